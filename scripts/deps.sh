@@ -1,0 +1,31 @@
+#!/usr/bin/env bash
+# Installs what building, running and testing LXRAdmin needs on Debian 12.
+# Idempotent: packages already present are not fetched again.
+set -euo pipefail
+
+PACKAGES=(
+  build-essential cmake ninja-build pkg-config clang libclang-rt-14-dev
+  libicu-dev icu-devtools libsqlite3-dev sqlite3 libldap-dev ldap-utils slapd
+  libtomlplusplus-dev libargon2-dev libcrypt-dev
+  libgtest-dev libbenchmark-dev
+  lighttpd wrk hyperfine
+)
+if [ "${LXR_WITH_BROWSER:-0}" = 1 ]; then
+  PACKAGES+=(chromium nodejs npm)
+fi
+
+missing=()
+for p in "${PACKAGES[@]}"; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")
+done
+if [ "${#missing[@]}" -gt 0 ]; then
+  if [ "$(id -u)" != 0 ]; then
+    echo "deps: missing packages: ${missing[*]} (run as root to install them)" >&2
+    exit 1
+  fi
+  export DEBIAN_FRONTEND=noninteractive
+  apt-get update -qq
+  apt-get install -y -qq --no-install-recommends "${missing[@]}"
+  # The slapd package starts a system server; our tests run their own.
+  systemctl disable --now slapd >/dev/null 2>&1 || service slapd stop >/dev/null 2>&1 || true
+fi

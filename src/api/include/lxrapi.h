@@ -1,0 +1,43 @@
+/*
+ * The password-services administration API: three calls that exchange small
+ * XML documents with the directory.
+ *
+ * Buffers: the caller owns every buffer. `reply` receives a zero-terminated
+ * document of at most replySize - 1 bytes; `message` (zero-filled by the
+ * caller) may receive a zero-terminated message, cut to messageSize - 1
+ * bytes. Nothing is ever written past replySize or messageSize.
+ *
+ * Results: 0 or more is success (LXRAdminRead: the number of attributes in
+ * the reply); negative values are failures:
+ *   -1 access denied, -2 administrator entry unreadable, -3 user entry
+ *   unreadable, -4 bad request format, -5 update failed, -6 reply buffer too
+ *   small, -7 configuration or store unreachable.
+ */
+#ifndef LXRAPI_H
+#define LXRAPI_H
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+#define LXRAPI_EXPORT __attribute__((visibility("default")))
+
+LXRAPI_EXPORT int LXRAdminGetDirectory(const char* identity, char* reply, int replySize,
+                                       char* message, int messageSize, const char* language,
+                                       const char* country, const char* qualifier);
+
+LXRAPI_EXPORT int LXRAdminRead(const char* identity, const char* administratorPath,
+                               const char* userPath, char* reply, int replySize, char* message,
+                               int messageSize, const char* context, const char* language,
+                               const char* country, const char* qualifier);
+
+LXRAPI_EXPORT int LXRAdminWrite(const char* identity, const char* administratorPath,
+                                const char* updateDocument, char* message, int messageSize,
+                                const char* context, const char* language, const char* country,
+                                const char* qualifier);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* LXRAPI_H */

@@ -1,0 +1,95 @@
+#include "i18n/language.h"
+
+#include <cstring>
+
+#include "cgi/response.h"
+#include "i18n/bundle.h"
+#include "platform/system.h"
+
+CLanguage* Lang = nullptr;
+CLanguage* LangWithID = nullptr;
+
+Xlate::Xlate(const char* bundleName, const char* locale, bool flag)
+    : bundleName_(bundleName ? bundleName : ""), flag_(flag) {
+    if (locale == nullptr) {
+        useAdminLocale_ = true;
+    } else {
+        locale_ = locale;
+    }
+}
+
+Xlate::~Xlate() = default;
+
+Xlate* Xlate::GetBundle() {
+    if (loaded_) return this;
+    if (useAdminLocale_) {
+        const char* admin = KvGetAdminLocale();
+        if (admin) locale_ = admin;
+    }
+    bundle_ = CKvXlate::GetBundle(bundleName_.c_str(), locale_.c_str());
+    loaded_ = true;
+    return this;
+}
+
+const char* Xlate::Translate(const char* key) {
+    GetBundle();
+    if (!bundle_ || key == nullptr) return key;
+    const char* text = bundle_->Lookup(key);
+    return text ? text : key;
+}
+
+const char* Xlate::FormatPattern(const char* pattern) {
+    const char* text = Translate(pattern);
+    formatted_.clear();
+    FormatMessagePattern(formatted_, text, args_);
+    return formatted_.c_str();
+}
+
+CLanguage::CLanguage(const char* application, const char* locale, bool withId)
+    : Xlate(application, locale, false), application_(application ? application : ""),
+      withId_(withId) {}
+
+int CLanguage::Translate(char* buffer, int size, const char* key, const char* defaultText) {
+    if (buffer == nullptr || size == 0) return 0;
+    const char* text = Xlate::Translate(key);
+    if (text == nullptr || text == key) text = defaultText;
+    return InternalFormat(buffer, size, key, text);
+}
+
+int CLanguage::TranslateArgs(char* buffer, int size, const char* key, const char* defaultText) {
+    if (buffer == nullptr || size == 0) return 0;
+    const char* found = Xlate::Translate(key);
+    std::string text;
+    if (found != nullptr && found != key) {
+        FormatMessagePattern(text, found, args_);
+    } else {
+        FormatMessagePattern(text, defaultText, args_);
+    }
+    return InternalFormat(buffer, size, key, text.c_str());
+}
+
+int CLanguage::InternalFormat(char* buffer, int size, const char* key, const char* text) {
+    if (buffer == nullptr || size <= 0) return 0;
+    std::string out;
+    if (withId_ && !IsURL(text)) {
+        out += "[";
+        out += key ? key : "";
+        out += "] ";
+    }
+    bool ok = text != nullptr;
+    if (ok) out += text;
+    size_t n = out.size() < static_cast<size_t>(size - 1) ? out.size() : static_cast<size_t>(size - 1);
+    std::memcpy(buffer, out.data(), n);
+    buffer[n] = '\0';
+    return ok ? 1 : 0;
+}
+
+CLanguage* GetLanguage(const char* application, const char* language, const char* country,
+                       bool withId) {
+    std::string locale = language ? language : "";
+    if (country && *country) {
+        locale += "-";
+        locale += country;
+    }
+    return new CLanguage(application, locale.c_str(), withId);
+}
