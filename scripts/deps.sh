@@ -11,7 +11,9 @@ PACKAGES=(
   lighttpd wrk hyperfine
 )
 if [ "${LXR_WITH_BROWSER:-0}" = 1 ]; then
-  PACKAGES+=(chromium nodejs npm)
+  PACKAGES+=(chromium nodejs apache2)
+  # NodeSource's nodejs carries its own npm and conflicts with Debian's npm package.
+  command -v npm >/dev/null 2>&1 || PACKAGES+=(npm)
 fi
 
 missing=()
@@ -28,4 +30,6 @@ if [ "${#missing[@]}" -gt 0 ]; then
   apt-get install -y -qq --no-install-recommends "${missing[@]}"
   # The slapd package starts a system server; our tests run their own.
   systemctl disable --now slapd >/dev/null 2>&1 || service slapd stop >/dev/null 2>&1 || true
+  # Likewise apache2: the tests start private instances on loopback ports.
+  systemctl disable --now apache2 >/dev/null 2>&1 || service apache2 stop >/dev/null 2>&1 || true
 fi
