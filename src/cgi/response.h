@@ -10,17 +10,29 @@ extern std::string charsetUsed;
 extern bool bOutputHTTPHeader;
 
 // Chooses charsetUsed from HTTP_ACCEPT_CHARSET. Called once, before output.
+// Unset, or naming "UTF-8" anywhere (any case, any quality): "UTF-8".
+// Otherwise the best entry of the upper-cased header by SortAcceptHeader, or
+// "UTF-8" when every entry is refused.
 void SetCharSet();
 
 // Writes "Status: ...\nContent-Type: text/html;charset=...\n\n" once.
 void HTTPHeader(const char* status);
 
-// Writes a whole 302 response to `url` (with "<NAME>" macros expanded from
-// Args), with `query` appended (URL-encoded when `encodeQuery`).
+// Writes a whole 302 response (headers only) to `url`. A "<NAME>" in `url`
+// becomes Args[NAME] URL-encoded, or stays as written when Args has no NAME;
+// an unclosed "<NAME" at the end takes Args[NAME] raw (entering it into Args),
+// an asymmetry kept on purpose. A non-empty `query` follows after "?" (or "&"
+// when the target has a "?"), URL-encoded when `encodeQuery`. Neither tests
+// nor sets bOutputHTTPHeader: callers redirect before any page output.
 void Redirect(const char* url, const char* query, bool encodeQuery);
 
-// Appends the entries of an accept header to `result`, best quality first.
-// Returns 0 for an empty header, else 1.
+// Appends the tags of an accept header to `result`, best quality first, ties
+// in header order, duplicates kept. Entries are split at "," and not trimmed
+// (" b" keeps its blank); a trailing "," ends the list. The quality is the
+// value after the first "=" behind the ";" (any name), times 1000, truncated;
+// an entry ending in ";", with no "=", or above 1000 is dropped, and quality 0
+// (q below 0.001 included) is left out. Returns 0 for an empty header (nothing
+// appended), else 1.
 int SortAcceptHeader(std::string& header, std::vector<std::string>& result);
 
 // True when `text` is non-null, non-empty and starts with "/", "http:" or
