@@ -1,0 +1,135 @@
+#include "fields/dates.h"
+
+#include <cctype>
+#include <cstdio>
+#include <cstring>
+
+#include "fields/field_model.h"
+#include "fields/field_util.h"
+
+using fields::SkipBlanks;
+
+namespace {
+
+// Indexed by tm_wday (Sunday 0) and tm_mon; each name is translated through
+// the parallel key table with the English name as default.
+const char* const kDays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
+const char* const kDaysKey[] = {"KV-LXR-12080", "KV-LXR-12081", "KV-LXR-12082", "KV-LXR-12083",
+                                "KV-LXR-12084", "KV-LXR-12085", "KV-LXR-12086"};
+const char* const kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                               "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+const char* const kMonthsKey[] = {"KV-LXR-12047", "KV-LXR-12048", "KV-LXR-12049", "KV-LXR-12050",
+                                  "KV-LXR-12051", "KV-LXR-12052", "KV-LXR-12053", "KV-LXR-12054",
+                                  "KV-LXR-12055", "KV-LXR-12056", "KV-LXR-12057", "KV-LXR-12058"};
+
+// A stamp is 15 bytes; a value longer than that carries more words after it.
+constexpr size_t kStampLength = 15;
+
+// The text after a value's stamp and the blanks that follow it.
+const char* AfterStamp(const char* value) {
+    return SkipBlanks(value + kStampLength);
+}
+
+}  // namespace
+
+namespace PA {
+struct tm* GMTIME(const time_t* t, struct tm* out) {
+    if (t == nullptr || out == nullptr) return nullptr;
+    return gmtime_r(t, out);
+}
+}  // namespace PA
+
+time_t ConvertDate(const char* stamp) {
+    if (stamp == nullptr || std::strlen(stamp) < kStampLength || stamp[14] != 'Z') return 0;
+    struct tm local = {};
+    local.tm_isdst = -1;
+    int year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
+    if (std::sscanf(stamp, "%4d%2d%2d%2d%2d%2dZ", &year, &month, &day, &hour, &minute, &second) !=
+        6) {
+        return 0;
+    }
+    local.tm_year = year - 1900;
+    local.tm_mon = month - 1;
+    local.tm_mday = day;
+    local.tm_hour = hour;
+    local.tm_min = minute;
+    local.tm_sec = second;
+    time_t t = mktime(&local);
+    if (t == 0 || t == -1) return 0;
+    struct tm utc;
+    if (PA::GMTIME(&t, &utc) == nullptr) return 0;
+    // The UTC breakdown carries no daylight saving, so in a zone that is on
+    // summer time t2 is measured without it and the result lands one hour
+    // early. Stored dates have always been read this way; do not correct it.
+    time_t t2 = mktime(&utc);
+    return t - (t2 - t);
+}
+
+std::string OutDate(const char* stamp) {
+    if (stamp == nullptr || std::strlen(stamp) < kStampLength) return "";
+    time_t t = ConvertDate(stamp);
+    if (t == 0 || t == -1) return "";
+    struct tm utc;
+    if (PA::GMTIME(&t, &utc) == nullptr) return "";
+    std::string day = fields::Translated(kDaysKey[utc.tm_wday], kDays[utc.tm_wday]);
+    std::string month = fields::Translated(kMonthsKey[utc.tm_mon], kMonths[utc.tm_mon]);
+    return prtFormatter.sprintf(
+        "%s, %ld %s %ld %02ld:%02ld:%02ld GMT", day, static_cast<long>(utc.tm_mday), month,
+        static_cast<long>(utc.tm_year) + 1900, static_cast<long>(utc.tm_hour),
+        static_cast<long>(utc.tm_min), static_cast<long>(utc.tm_sec));
+}
+
+std::string NextToken(const char*& cursor) {
+    std::string word;
+    if (cursor == nullptr) return word;
+    cursor = SkipBlanks(cursor);
+    while (*cursor && !std::isspace(static_cast<unsigned char>(*cursor))) word += *cursor++;
+    cursor = SkipBlanks(cursor);
+    return word;
+}
+
+void DateSomething(const char* value, const char* label) {
+    value = SkipBlanks(value);
+    if (value == nullptr || *value == '\0') {
+        prtFormatter.printf("%s\n", tagNotSet);
+        return;
+    }
+    std::string date = OutDate(value);
+    if (date.empty()) {
+        prtFormatter.printf("<span class=\"INNERPROMPT\">%s&nbsp;</span>", label);
+        prtFormatter.printf("%s\n", value);
+        return;
+    }
+    prtFormatter.printf("<span class=\"INNERPROMPT\">%s&nbsp;</span>\n", tagWhen);
+    fields::WriteLocalDate(date);
+    if (std::strlen(value) <= kStampLength) return;
+    prtFormatter.printf("<span class=\"INNERPROMPT\">&nbsp;&nbsp;<wbr>%s&nbsp;</span>", label);
+    prtFormatter.printf("%s", AfterStamp(value));
+}
+
+void outSomethingDateSomething(const char* value, const char* firstLabel, const char* label) {
+    value = SkipBlanks(value);
+    if (value == nullptr || *value == '\0') {
+        prtFormatter.printf("%s\n", tagNotSet);
+        return;
+    }
+    if (firstLabel != nullptr && *firstLabel != '\0') {
+        prtFormatter.printf("<span class=\"INNERPROMPT\">%s&nbsp;</span>\n", firstLabel);
+    }
+    const char* rest = value;
+    while (*rest && !std::isspace(static_cast<unsigned char>(*rest))) ++rest;
+    prtFormatter.printf("%s", std::string(value, rest));
+    rest = SkipBlanks(rest);
+    if (*rest == '\0') return;
+    std::string date = OutDate(rest);
+    if (date.empty()) {
+        prtFormatter.printf("<span class=\"INNERPROMPT\">&nbsp;&nbsp;<wbr>%s&nbsp;</span>", label);
+        prtFormatter.printf("%s\n", rest);
+        return;
+    }
+    prtFormatter.printf("<span class=\"INNERPROMPT\">&nbsp;&nbsp;<wbr>%s&nbsp;</span>\n", tagWhen);
+    fields::WriteLocalDate(date);
+    if (std::strlen(rest) <= kStampLength) return;
+    prtFormatter.printf("<span class=\"INNERPROMPT\">&nbsp;&nbsp;<wbr>%s&nbsp;</span>", label);
+    prtFormatter.printf("%s\n", AfterStamp(rest));
+}

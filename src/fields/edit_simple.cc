@@ -1,0 +1,159 @@
+#include "fields/edit_simple.h"
+
+#include <cctype>
+#include <cstdlib>
+#include <string>
+
+#include "fields/field_util.h"
+
+using fields::AddFragment;
+using fields::Put;
+using fields::SkipBlanks;
+using fields::Trimmed;
+
+namespace {
+
+// The leading decimal number of a stored count or days word, as atol reads
+// it (later words ignored), but with a defined result for huge numbers: they
+// are clamped, and so match no option.
+long LeadingNumber(const char* text) {
+    return std::strtol(text, nullptr, 10);
+}
+
+const char* Selected(bool on) {
+    return on ? " SELECTED" : "";
+}
+
+const char kDaysMove[] =
+    "if (document.DisplayForm.elements['%s_DAYS'].value == '')\n"
+    "        document.PostForm.elements['%s'].value = '';\n"
+    "    else\n"
+    "    if (document.DisplayForm.elements['%s_COMMENT'].value == '')\n"
+    "        document.PostForm.elements['%s'].value = \n"
+    "           document.DisplayForm.elements['%s_DAYS'].value;\n"
+    "    else\n"
+    "        document.PostForm.elements['%s'].value = \n"
+    "           document.DisplayForm.elements['%s_DAYS'].value + ' ' +\n"
+    "           document.DisplayForm.elements['%s_COMMENT'].value;\n";
+
+const char kDaysEdit[] =
+    "CommentChecked((document.DisplayForm.elements['%s_DAYS'].value.length == 0), "
+    "document.DisplayForm.elements['%s_COMMENT'])";
+
+const char kImmediateEdit[] =
+    "CommentChecked(!document.DisplayForm.elements['%s'].checked, "
+    "document.DisplayForm.elements['%s_COMMENT'])";
+
+const char kImmediateMove[] =
+    "if (document.DisplayForm.elements['%s'].checked)\n"
+    "        if (document.DisplayForm.elements['%s_COMMENT'].value.length == 0)\n"
+    "            document.PostForm.elements['%s'].value = 'YES via LXRAdmin';\n"
+    "        else\n"
+    "            document.PostForm.elements['%s'].value = \n"
+    "                document.DisplayForm.elements['%s_COMMENT'].value;\n"
+    "    else\n"
+    "        document.PostForm.elements['%s'].value = '';\n";
+
+// One labelled password row of the reset table.
+void WritePasswordRow(const char* key, const char* defaultText, const char* input,
+                      const char* name) {
+    std::string label = fields::Translated(key, defaultText);
+    Put("<tr>\n");
+    Put("<td width=\"1\" nowrap>\n");
+    prtFormatter.printf("<nobr><span class=\"INNERPROMPT\">%s&nbsp;</span></nobr>\n", label);
+    Put("</td>\n");
+    Put("<td nowrap>\n");
+    prtFormatter.printf(input, name);
+    Put("</td>\n");
+    Put("</tr>\n");
+}
+
+}  // namespace
+
+Finisher inStandard(const char* name, const char* value, int, bool, bool) {
+    // The value goes out exactly as received, leading blanks and all.
+    prtFormatter.printf("<INPUT TYPE=\"TEXT\" NAME=\"%s\" VALUE=\"%s\" size=\"30\">", name,
+                        value ? value : "");
+    AddFragment(DataMoves, "SimpleMove('%s');\n", name);
+    return nullptr;
+}
+
+Finisher inCount(const char* name, const char* value, int, bool, bool) {
+    long count = LeadingNumber(Trimmed(value));
+    prtFormatter.printf("<SELECT NAME=\"%s\" SIZE=\"1\">\n", name);
+    prtFormatter.printf("<OPTION VALUE=\"\"%s>0\n", Selected(count == 0));
+    for (long k = 1; k <= 5; ++k) {
+        prtFormatter.printf("<OPTION VALUE=\"%ld\"%s>%ld\n", k, Selected(k == count), k);
+    }
+    Put("</SELECT>\n");
+    AddFragment(DataMoves, "SimpleMove('%s');\n", name);
+    return nullptr;
+}
+
+Finisher inDaysOverride(const char* name, const char* value, int, bool, bool) {
+    const char* cursor = Trimmed(value);
+    const char* wordEnd = cursor;
+    while (*wordEnd && !std::isspace(static_cast<unsigned char>(*wordEnd))) ++wordEnd;
+    std::string word(cursor, wordEnd);
+    const char* comment = SkipBlanks(wordEnd);
+    long days = 0;
+    if (!word.empty()) {
+        days = LeadingNumber(word.c_str());
+    }
+
+    prtFormatter.printf("<SELECT NAME=\"%s_DAYS\" SIZE=\"1\">\n", name);
+    prtFormatter.printf("<OPTION VALUE=\"\"%s>%s\n", Selected(word.empty()), tagUseConfig);
+    prtFormatter.printf("<OPTION VALUE=\"0\"%s>%s\n", Selected(!word.empty() && days == 0),
+                        tagNever);
+    // Days and whole weeks interleaved; every VALUE is a number of days.
+    for (long n = 1; n <= 365; ++n) {
+        if (n % 7 != 0) {
+            prtFormatter.printf("<OPTION VALUE=\"%ld\"%s>%ld %s\n", n, Selected(n == days), n,
+                                n == 1 ? tagDay : tagDays);
+        } else {
+            long weeks = n / 7;
+            prtFormatter.printf("<OPTION VALUE=\"%ld\"%s>%ld %s\n", n, Selected(n == days), weeks,
+                                weeks == 1 ? tagWeek : tagWeeks);
+        }
+    }
+    Put("</SELECT>\n");
+    prtFormatter.printf("<span class=\"INNERPROMPT\">&nbsp;&nbsp;%s&nbsp;</span>", tagComment);
+    prtFormatter.printf(
+        "<INPUT TYPE=\"TEXT\" NAME=\"%s_COMMENT\" VALUE=\"%s\" SIZE=\"20\" MAXLENGTH=\"20\">\n",
+        name, comment);
+    AddFragment(DataMoves, kDaysMove, name, name, name, name, name, name, name, name);
+    // A comment may only be given together with a number of days.
+    AddFragment(DataEdits, kDaysEdit, name, name);
+    return nullptr;
+}
+
+Finisher inImmediateChange(const char* name, const char* value, int, bool, bool) {
+    value = Trimmed(value);
+    prtFormatter.printf("<INPUT TYPE=\"CHECKBOX\" NAME=\"%s\" VALUE=\"YES\"%s>\n", name,
+                        *value ? " CHECKED" : "");
+    prtFormatter.printf("<span class=\"INNERPROMPT\">&nbsp;%s&nbsp;</span>", tagComment);
+    // The stored flag text is its comment.
+    prtFormatter.printf(
+        "<INPUT TYPE=\"TEXT\" NAME=\"%s_COMMENT\" VALUE=\"%s\" SIZE=\"30\" MAXLENGTH=\"30\">\n",
+        name, value);
+    AddFragment(DataEdits, kImmediateEdit, name, name);
+    AddFragment(DataMoves, kImmediateMove, name, name, name, name, name, name);
+    return nullptr;
+}
+
+Finisher inPassword(const char* name, const char*, int, bool, bool) {
+    // Both boxes start empty: the current password never reaches the page.
+    Put("<table width=\"100%\" border=\"0\">\n");
+    WritePasswordRow("KV-LXR-12044", "New Password",
+                     "<nobr><INPUT TYPE=\"PASSWORD\" NAME=\"%s\" VALUE=\"\" size=\"32\" "
+                     "maxlength=\"32\"></nobr>",
+                     name);
+    WritePasswordRow("KV-LXR-12045", "Confirm Password",
+                     "<nobr><INPUT TYPE=\"PASSWORD\" NAME=\"%s_CONFIRM\" VALUE=\"\" size=\"32\" "
+                     "maxlength=\"32\"></nobr>",
+                     name);
+    Put("</table>\n");
+    AddFragment(DataEdits, "PasswordCompare('%s')", name);
+    AddFragment(DataMoves, "SimpleMove('%s');\n", name);
+    return nullptr;
+}

@@ -1,0 +1,119 @@
+#include "fields/field_model.h"
+
+#include <strings.h>
+
+#include <cerrno>
+#include <cstdlib>
+
+#include "fields/display.h"
+#include "fields/edit_date.h"
+#include "fields/edit_multi.h"
+#include "fields/edit_simple.h"
+#include "fields/field_util.h"
+#include "platform/env.h"
+
+// Filled by the page's rows and handlers during one request; read back by the
+// page writer to build PostForm and SubmitForm().
+std::vector<OUTPUTFIELD*> OutputFields;
+std::vector<std::string> DataEdits;
+std::vector<std::string> DataMoves;
+
+// Written once per page by FillTags, read by every handler.
+std::string tagLocal, tagComment, tagWhen, tagTimes, tagDays, tagDay, tagWeeks, tagWeek, tagIP,
+    tagClear, tagNotSet, tagNow, tagStatus, tagYES, tagNO, tagUseConfig, tagNever, tagForever,
+    tagDisabled, tagRedisable;
+
+// Written by InitNow at start-up; every reset-to-now choice of a page uses it,
+// so all of them post the same instant.
+time_t Now = 0;
+
+// kvlxrHistory has no handlers so that its values are neither shown nor
+// edited; userPassword has no display handler because a password is only
+// ever entered, never shown.
+const FUNCS Funcs[] = {
+    {"kvlxrAccountInactivityDays", 0, outDaysOverride, inDaysOverride},
+    {"kvlxrBaseDate", 0, outDateComment, inDateCommentOrNow},
+    {"kvlxrDisableAfter", 0, outDateComment, inDisableAfter},
+    {"kvlxrDisableUntil", 0, outDateComment, inDisableUntil},
+    {"kvlxrExpirePasswordDays", 0, outDaysOverride, inDaysOverride},
+    {"kvlxrFailureCount", 0, outCountDateIP, inCountDateOrNow},
+    {"kvlxrRealmBasedFailureCount", 0, outCountDateIP, inCountDateOrNow},
+    {"kvlxrFailuresSinceLastLogin", 0, outCountDateIP, nullptr},
+    {"kvlxrFailuresSincePreviousLogin", 0, outCountDateIP, nullptr},
+    {"kvlxrGenerationalRedirects", 0, outGenRedirect, inGenRedirect},
+    {"kvlxrGraceLoginsUsed", 0, outCountComment, inCount},
+    {"kvlxrHistory", 0, nullptr, nullptr},
+    {"kvlxrImmediateChange", 0, outImmediateChange, inImmediateChange},
+    {"kvlxrInactivityWarning", 0, outDateComment, nullptr},
+    {"kvlxrLastLogin", 0, outDateIP, nullptr},
+    {"kvlxrLastPasswordChange", 0, outDateComment, nullptr},
+    {"kvlxrLoginHistory", 1, outHistory, inHistory},
+    {"kvlxrMaxFailures", 0, outCountDateIP, nullptr},
+    {"kvlxrMustLoginBy", 0, outDateComment, inMustLoginBy},
+    {"kvlxrNextAction", 0, outDateComment, nullptr},
+    {"kvlxrPreviousLogin", 0, outDateIP, nullptr},
+    {"kvlxrTotalFailures", 0, outStandard, nullptr},
+    {"kvlxrTotalLogins", 0, outStandard, nullptr},
+    {"kvfpsLockoutCounter", 0, outCountDateIP, inCountDateOrNow},
+    {"kvfpsLog", 1, outHistory, inHistory},
+    {"userPassword", 0, nullptr, inPassword},
+    {nullptr, 0, nullptr, nullptr},
+};
+
+const FUNCS* FindFuncs(const char* name) {
+    if (name == nullptr) return nullptr;
+    for (const FUNCS* row = Funcs; row->name != nullptr; ++row) {
+        if (strcasecmp(row->name, name) == 0) return row;
+    }
+    return nullptr;
+}
+
+void InitNow() {
+    Now = time(nullptr);
+    CKvGetEnv fixed("LXR_NOW");
+    const char* text = fixed.c_str();
+    if (text == nullptr || *text < '0' || *text > '9') return;
+    errno = 0;
+    char* end = nullptr;
+    long long seconds = std::strtoll(text, &end, 10);
+    if (errno == 0 && *end == '\0') Now = static_cast<time_t>(seconds);
+}
+
+namespace {
+
+struct TagRow {
+    std::string* tag;
+    const char* key;
+    const char* defaultText;
+};
+
+// In assignment order; the defaults already hold HTML entities.
+const TagRow kTags[] = {
+    {&tagLocal, "KV-LXR-12025", "(local)"},
+    {&tagComment, "KV-LXR-12017", "Comment:"},
+    {&tagWhen, "KV-LXR-12026", "When:"},
+    {&tagTimes, "KV-LXR-12027", "Count:"},
+    {&tagDays, "KV-LXR-12028", "Days"},
+    {&tagDay, "KV-LXR-12029", "Day"},
+    {&tagWeeks, "KV-LXR-12030", "Weeks"},
+    {&tagWeek, "KV-LXR-12031", "Week"},
+    {&tagIP, "KV-LXR-12032", "IP:"},
+    {&tagClear, "KV-LXR-12033", "Clear"},
+    {&tagNotSet, "KV-LXR-12024", "Not&nbsp;Set"},
+    {&tagNow, "KV-LXR-12034", "Reset&nbsp;to&nbsp;Now"},
+    {&tagStatus, "KV-LXR-12035", "Status:"},
+    {&tagYES, "KV-LXR-12036", "Yes"},
+    {&tagNO, "KV-LXR-12037", "No"},
+    {&tagUseConfig, "KV-LXR-12038", "&lt;default&gt;"},
+    {&tagNever, "KV-LXR-12039", "&lt;never&gt;"},
+    {&tagForever, "KV-LXR-12040", "Forever"},
+    {&tagDisabled, "KV-LXR-12041", "User will not be able to login"},
+    {&tagRedisable, "KV-LXR-12042",
+     "Unless reset, this value may cause the user to be disabled at next login"},
+};
+
+}  // namespace
+
+void FillTags() {
+    for (const TagRow& row : kTags) *row.tag = fields::Translated(row.key, row.defaultText);
+}

@@ -1,0 +1,40 @@
+#include "fields/field_util.h"
+
+#include <cctype>
+
+#include "i18n/language.h"
+
+namespace fields {
+
+void Put(const char* text) {
+    prtFormatter.printf("%s", text);
+}
+
+const char* SkipBlanks(const char* p) {
+    if (p == nullptr) return p;
+    while (*p && std::isspace(static_cast<unsigned char>(*p))) ++p;
+    return p;
+}
+
+const char* Trimmed(const char* p) {
+    return p == nullptr ? "" : SkipBlanks(p);
+}
+
+std::string Translated(const char* key, const char* defaultText) {
+    if (Lang == nullptr) return defaultText ? defaultText : "";
+    char buffer[4096];
+    buffer[0] = '\0';
+    Lang->Translate(buffer, sizeof buffer, key, defaultText);
+    return buffer;
+}
+
+void WriteLocalDate(const std::string& date) {
+    Put("<SCRIPT LANGUAGE=\"JavaScript\">\n");
+    Put("<!--\n");
+    prtFormatter.printf("    document.write(LocalDate('%s'));\n", date);
+    Put("//-->\n");
+    Put("</SCRIPT>\n");
+    if (!tagLocal.empty()) prtFormatter.printf("<span class=\"LOCALLABEL\">%s</span>", tagLocal);
+}
+
+}  // namespace fields
