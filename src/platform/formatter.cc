@@ -6,57 +6,64 @@ CKvFormatter prtFormatter;
 
 namespace {
 
-// Formats one conversion through the C library: the spec (without the length
-// modifier) is rebuilt with the right modifier for the argument's C type.
-void FormatOne(std::string& out, const std::string& flags, char conv, const CpaArg* arg) {
-    char buf[128];
+// Appends snprintf(spec, value) to `out`, whatever its length.
+template <class T>
+void AppendPrintf(std::string& out, const std::string& spec, T value) {
+    char small[64];
+    int n = std::snprintf(small, sizeof small, spec.c_str(), value);
+    if (n <= 0) return;
+    if (static_cast<size_t>(n) < sizeof small) {
+        out.append(small, static_cast<size_t>(n));
+        return;
+    }
+    size_t at = out.size();
+    out.resize(at + static_cast<size_t>(n) + 1);
+    std::snprintf(&out[at], static_cast<size_t>(n) + 1, spec.c_str(), value);
+    out.resize(at + static_cast<size_t>(n));
+}
+
+long long NumberOf(const CpaArg* arg) { return (arg && !arg->isText) ? arg->number : 0; }
+
+// Formats one conversion. `flags` holds flags, width and precision as
+// written; the C type is chosen here, so the caller's length modifier only
+// decides the width of the unsigned conversions (`wide`).
+void FormatOne(std::string& out, const std::string& flags, bool wide, char conv,
+               const CpaArg* arg) {
     std::string spec = "%" + flags;
-    int n = 0;
     switch (conv) {
         case 's': {
             std::string text;
-            if (arg == nullptr) {
-                text = "";
-            } else if (arg->isText) {
-                text = arg->text ? arg->text : "(null)";
-            } else {
-                text = std::to_string(arg->number);
+            if (arg != nullptr) {
+                if (arg->isText) {
+                    text = arg->text ? arg->text : "(null)";
+                } else {
+                    text = std::to_string(arg->number);
+                }
             }
             if (flags.empty()) {
                 out += text;
-                return;
-            }
-            spec += 's';
-            n = std::snprintf(nullptr, 0, spec.c_str(), text.c_str());
-            if (n > 0) {
-                std::string tmp(static_cast<size_t>(n) + 1, '\0');
-                std::snprintf(&tmp[0], tmp.size(), spec.c_str(), text.c_str());
-                out.append(tmp.c_str(), static_cast<size_t>(n));
+            } else {
+                AppendPrintf(out, spec + 's', text.c_str());
             }
             return;
         }
         case 'c': {
-            long long v = (arg && !arg->isText) ? arg->number : 0;
-            spec += 'c';
-            n = std::snprintf(buf, sizeof buf, spec.c_str(), static_cast<int>(static_cast<unsigned char>(v)));
-            break;
+            int c = static_cast<unsigned char>(NumberOf(arg));
+            if (arg && arg->isText) c = arg->text ? static_cast<unsigned char>(arg->text[0]) : 0;
+            AppendPrintf(out, spec + 'c', c);
+            return;
         }
         case 'd':
-        case 'i': {
-            long long v = (arg && !arg->isText) ? arg->number : 0;
-            spec += "lld";
-            n = std::snprintf(buf, sizeof buf, spec.c_str(), v);
-            break;
-        }
+        case 'i':
+            AppendPrintf(out, spec + "lld", NumberOf(arg));
+            return;
         default: {  // u x X o
-            long long v = (arg && !arg->isText) ? arg->number : 0;
-            spec += "ll";
-            spec += conv;
-            n = std::snprintf(buf, sizeof buf, spec.c_str(), static_cast<unsigned long long>(v));
-            break;
+            unsigned long long v = static_cast<unsigned long long>(NumberOf(arg));
+            if (!wide) v &= 0xFFFFFFFFull;
+            AppendPrintf(out, spec + "ll" + conv, v);
+            return;
         }
     }
-    if (n > 0) out.append(buf, static_cast<size_t>(n) < sizeof buf ? static_cast<size_t>(n) : sizeof buf - 1);
 }
 
 }  // namespace
@@ -72,6 +79,7 @@ void FormatArgs(std::string& out, const char* format, const CpaArgList& args) {
             break;
         }
         out.append(p, static_cast<size_t>(pct - p));
+        const char* start = pct;
         p = pct + 1;
         if (*p == '%') {
             out += '%';
@@ -85,23 +93,21 @@ void FormatArgs(std::string& out, const char* format, const CpaArgList& args) {
             flags += *p++;
             while (*p >= '0' && *p <= '9') flags += *p++;
         }
-        while (*p == 'l' || *p == 'h' || *p == 'z' || *p == 'j' || *p == 't') ++p;
+        bool wide = false;
+        while (*p && std::strchr("lhzjtq", *p)) wide = wide || (*p++ != 'h');
         char conv = *p;
-        if (conv == '\0') {
-            out += '%';
-            out += flags;
+        if (conv == '\0') {  // a format that ends inside a conversion
+            out.append(start);
             break;
         }
         ++p;
-        if (!std::strchr("sdiuxXoc", conv)) {  // unknown conversion: written as it stands
-            out += '%';
-            out += flags;
-            out += conv;
+        if (!std::strchr("sdiuxXoc", conv)) {  // unknown conversion: copied as it stands
+            out.append(start, static_cast<size_t>(p - start));
             continue;
         }
         const CpaArg* arg = next < args.size() ? &args[next] : nullptr;
         ++next;
-        FormatOne(out, flags, conv, arg);
+        FormatOne(out, flags, wide, conv, arg);
     }
 }
 

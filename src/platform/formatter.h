@@ -23,6 +23,9 @@ public:
     void add(long long v) { args_.push_back(CpaArg{false, v, nullptr}); }
     void add(unsigned v) { args_.push_back(CpaArg{false, v, nullptr}); }
     void add(unsigned long v) { args_.push_back(CpaArg{false, static_cast<long long>(v), nullptr}); }
+    void add(unsigned long long v) {
+        args_.push_back(CpaArg{false, static_cast<long long>(v), nullptr});
+    }
     void add(char v) { args_.push_back(CpaArg{false, static_cast<unsigned char>(v), nullptr}); }
     void add(const char* v) { args_.push_back(CpaArg{true, 0, v}); }
     void add(const std::string& v) { args_.push_back(CpaArg{true, 0, v.c_str()}); }
@@ -34,10 +37,14 @@ private:
 };
 
 // Formats `format` with `args` and appends the result to `out`.
-// Conversions: %s %d %i %ld %lld %u %x %X %o %c %%, with flags, width and
-// precision as printf takes them. A missing argument formats as 0 or the empty
-// text; a number where a text is wanted is written in decimal; a text where a
-// number is wanted counts as 0; a null text is written as "(null)".
+// Conversions: %s %d %i %u %x %X %o %c %%, with flags, width, precision and
+// length modifiers (%ld, %02lX) as printf takes them. Signed conversions
+// always show the whole value; the unsigned ones (%u %x %X %o) show a
+// negative number as C does, in 32 bits without a length modifier and in 64
+// bits with "l" or "ll". A missing argument formats as 0 or the empty text; a
+// number where a text is wanted is written in decimal; a text where a number
+// is wanted counts as 0, except that %c writes the text's first byte; a null
+// text is written as "(null)". An unknown conversion is copied as it stands.
 void FormatArgs(std::string& out, const char* format, const CpaArgList& args);
 
 class CKvFormatter {

@@ -1,6 +1,7 @@
 #include "platform/utf8.h"
 
-#include <unicode/locid.h>
+#include <unicode/bytestream.h>
+#include <unicode/casemap.h>
 #include <unicode/uchar.h>
 #include <unicode/ucnv.h>
 #include <unicode/unistr.h>
@@ -27,13 +28,21 @@ int CKvUTF8CharIterator::next() {
 std::string CKvUTF8ToUpper(const char* text) {
     std::string out;
     if (text == nullptr) return out;
-    icu::UnicodeString::fromUTF8(text).toUpper(icu::Locale::getRoot()).toUTF8String(out);
+    // Straight from UTF-8 to UTF-8 with the root rules: no locale object and
+    // no locale data are needed, which matters on every request.
+    UErrorCode status = U_ZERO_ERROR;
+    icu::StringByteSink<std::string> sink(&out);
+    icu::CaseMap::utf8ToUpper("", 0, icu::StringPiece(text), sink, nullptr, status);
+    if (U_FAILURE(status)) return text;
     return out;
 }
 
 std::string CKvToUTF8(const char* text, const char* charset) {
     if (text == nullptr) return std::string();
     if (charset == nullptr || *charset == '\0') return text;
+    // UTF-8 is what the pages post: nothing to convert, and no converter data
+    // to load for it. Name matching ignores case, "-" and "_".
+    if (ucnv_compareNames(charset, "UTF-8") == 0) return text;
     UErrorCode status = U_ZERO_ERROR;
     UConverter* conv = ucnv_open(charset, &status);
     if (U_FAILURE(status) || conv == nullptr) return text;

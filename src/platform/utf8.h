@@ -19,12 +19,15 @@ private:
     int offset_ = 0;
 };
 
-// The text upper-cased by the root locale's rules.
+// The text upper-cased by the root locale's rules (full mappings: "\xC3\x9F"
+// becomes "SS"). Bytes that are not well-formed UTF-8 are copied unchanged.
+// A null text gives "".
 std::string CKvUTF8ToUpper(const char* text);
 
 // `text` converted from the character set `charset` into UTF-8. A null text
-// gives ""; an unknown or empty character-set name, or one naming UTF-8,
-// gives the text unchanged.
+// gives ""; an unknown or empty character-set name, or one naming UTF-8 (in
+// any spelling ICU accepts, "utf8" too), gives the text unchanged. Bytes the
+// character set does not define become U+FFFD.
 std::string CKvToUTF8(const char* text, const char* charset);
 
 bool KvIsWhiteSpace(int codePoint);  // Unicode White_Space, CR and LF included
