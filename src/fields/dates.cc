@@ -1,12 +1,12 @@
 #include "fields/dates.h"
 
-#include <cctype>
 #include <cstdio>
 #include <cstring>
 
 #include "fields/field_model.h"
 #include "fields/field_util.h"
 
+using fields::kStampLength;
 using fields::SkipBlanks;
 
 namespace {
@@ -21,9 +21,6 @@ const char* const kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
 const char* const kMonthsKey[] = {"KV-LXR-12047", "KV-LXR-12048", "KV-LXR-12049", "KV-LXR-12050",
                                   "KV-LXR-12051", "KV-LXR-12052", "KV-LXR-12053", "KV-LXR-12054",
                                   "KV-LXR-12055", "KV-LXR-12056", "KV-LXR-12057", "KV-LXR-12058"};
-
-// A stamp is 15 bytes; a value longer than that carries more words after it.
-constexpr size_t kStampLength = 15;
 
 // The text after a value's stamp and the blanks that follow it.
 const char* AfterStamp(const char* value) {
@@ -80,10 +77,9 @@ std::string OutDate(const char* stamp) {
 }
 
 std::string NextToken(const char*& cursor) {
-    std::string word;
-    if (cursor == nullptr) return word;
+    if (cursor == nullptr) return "";
     cursor = SkipBlanks(cursor);
-    while (*cursor && !std::isspace(static_cast<unsigned char>(*cursor))) word += *cursor++;
+    std::string word = fields::TakeWord(cursor);
     cursor = SkipBlanks(cursor);
     return word;
 }
@@ -117,8 +113,7 @@ void outSomethingDateSomething(const char* value, const char* firstLabel, const 
         prtFormatter.printf("<span class=\"INNERPROMPT\">%s&nbsp;</span>\n", firstLabel);
     }
     const char* rest = value;
-    while (*rest && !std::isspace(static_cast<unsigned char>(*rest))) ++rest;
-    prtFormatter.printf("%s", std::string(value, rest));
+    prtFormatter.printf("%s", fields::TakeWord(rest));
     rest = SkipBlanks(rest);
     if (*rest == '\0') return;
     std::string date = OutDate(rest);

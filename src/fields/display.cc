@@ -9,24 +9,13 @@
 #include "fields/field_util.h"
 #include "fields/redirect_entry.h"
 
+using fields::kStampLength;
 using fields::Put;
 using fields::SkipBlanks;
+using fields::TakeWord;
 using fields::Trimmed;
 
 namespace {
-
-constexpr size_t kStampLength = 15;
-
-bool IsBlank(char c) {
-    return std::isspace(static_cast<unsigned char>(c)) != 0;
-}
-
-// The word at `p`; `p` is left on the byte after it (blanks not skipped).
-std::string TakeWord(const char*& p) {
-    const char* start = p;
-    while (*p && !IsBlank(*p)) ++p;
-    return std::string(start, p);
-}
 
 // The read-only "comment" span and the text after it, when text is left.
 void WriteReadOnlyComment(const char* rest) {
@@ -96,7 +85,7 @@ void outDaysOverride(const char* value, int, bool, bool) {
     }
     // Leading zeros are dropped, so a stored "0" (never) collects nothing.
     std::string days;
-    for (; *value && !IsBlank(*value); ++value) {
+    for (; *value && !std::isspace(static_cast<unsigned char>(*value)); ++value) {
         if (*value != '0' || !days.empty()) days += *value;
     }
     if (days.empty()) {

@@ -1,6 +1,5 @@
 #include "fields/edit_simple.h"
 
-#include <cctype>
 #include <cstdlib>
 #include <string>
 
@@ -92,10 +91,8 @@ Finisher inCount(const char* name, const char* value, int, bool, bool) {
 
 Finisher inDaysOverride(const char* name, const char* value, int, bool, bool) {
     const char* cursor = Trimmed(value);
-    const char* wordEnd = cursor;
-    while (*wordEnd && !std::isspace(static_cast<unsigned char>(*wordEnd))) ++wordEnd;
-    std::string word(cursor, wordEnd);
-    const char* comment = SkipBlanks(wordEnd);
+    std::string word = fields::TakeWord(cursor);
+    const char* comment = SkipBlanks(cursor);
     long days = 0;
     if (!word.empty()) {
         days = LeadingNumber(word.c_str());

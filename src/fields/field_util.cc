@@ -16,6 +16,12 @@ const char* SkipBlanks(const char* p) {
     return p;
 }
 
+std::string TakeWord(const char*& p) {
+    const char* start = p;
+    while (*p && !std::isspace(static_cast<unsigned char>(*p))) ++p;
+    return std::string(start, p);
+}
+
 const char* Trimmed(const char* p) {
     return p == nullptr ? "" : SkipBlanks(p);
 }

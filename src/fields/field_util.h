@@ -3,6 +3,7 @@
 // fragment lists' appenders. Not part of the subsystem's interface.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,13 @@ namespace fields {
 
 // Writes `text` as it stands: a "%" in it is never taken for a conversion.
 void Put(const char* text);
+
+// A directory stamp, YYYYMMDDhhmmssZ; a value longer than this carries more
+// words after it.
+constexpr size_t kStampLength = 15;
+
+// The word at `p`; `p` is left on the byte after it, blanks not skipped.
+std::string TakeWord(const char*& p);
 
 // The first byte at or after `p` that isspace() rejects; null stays null.
 const char* SkipBlanks(const char* p);
