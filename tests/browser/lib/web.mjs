@@ -121,3 +121,42 @@ export function parseEnvironment(body) {
 // The fifteen characters besides letters and digits that HTTP allows in a
 // header name; lighttpd maps each of them to "_" in CGI variable names.
 export const TOKEN_PUNCTUATION = "!#$%&'*+-.^_`|~";
+
+// Starts web/apache.sh on a free loopback port with basic logins.
+// logins: { name: { password, dn, identity } }. Started by root, Apache runs
+// the program as nobody, so the run directory and the program's copy are
+// opened to others. Returns { url, run, stop() }.
+export function startApache({ cgi, logins, apiConfig = '', namespace = 'LDAP:',
+  dirserver = 'localhost', check = false }) {
+  const run = tempDir('apache');
+  fs.chmodSync(run, 0o755);
+  const users = path.join(run, 'users');
+  const agents = path.join(run, 'agents.map');
+  fs.writeFileSync(users, '');
+  const mapLines = [];
+  for (const [name, login] of Object.entries(logins)) {
+    execFileSync('htpasswd', ['-bB', users, name, login.password], { stdio: 'ignore' });
+    if (login.dn) mapLines.push(`${name} ${login.dn}|${login.identity}`);
+  }
+  fs.writeFileSync(agents, mapLines.join('\n') + '\n');
+  fs.chmodSync(users, 0o644);
+  fs.chmodSync(agents, 0o644);
+  const args = [path.join(SOURCE, 'web/apache.sh'), check ? 'check' : 'start', '--run',
+    path.join(run, 'server'), '--cgi', cgi, '--users', users, '--agents', agents,
+    '--namespace', namespace, '--dirserver', dirserver, '--api-config', apiConfig];
+  const pidFile = path.join(run, 'server', 'httpd.pid');
+  cleanups.push(() => killPidFile(pidFile));
+  const out = execFileSync('bash', args, { encoding: 'utf8' }).trim().split('\n').pop();
+  return {
+    url: out,
+    run,
+    stop() {
+      execFileSync('bash', [path.join(SOURCE, 'web/apache.sh'), 'stop', '--run',
+        path.join(run, 'server')]);
+    },
+  };
+}
+
+export function basicAuth(name, password) {
+  return ['Authorization', `Basic ${Buffer.from(`${name}:${password}`).toString('base64')}`];
+}
