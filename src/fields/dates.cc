@@ -70,10 +70,19 @@ std::string OutDate(const char* stamp) {
     if (PA::GMTIME(&t, &utc) == nullptr) return "";
     std::string day = fields::Translated(kDaysKey[utc.tm_wday], kDays[utc.tm_wday]);
     std::string month = fields::Translated(kMonthsKey[utc.tm_mon], kMonths[utc.tm_mon]);
-    return prtFormatter.sprintf(
-        "%s, %ld %s %ld %02ld:%02ld:%02ld GMT", day, static_cast<long>(utc.tm_mday), month,
-        static_cast<long>(utc.tm_year) + 1900, static_cast<long>(utc.tm_hour),
-        static_cast<long>(utc.tm_min), static_cast<long>(utc.tm_sec));
+    // Formatted apart from prtFormatter's own text, so that a caller's
+    // sprintf result survives a date conversion.
+    CpaArgList args;
+    args.add(day);
+    args.add(static_cast<long>(utc.tm_mday));
+    args.add(month);
+    args.add(static_cast<long>(utc.tm_year) + 1900);
+    args.add(static_cast<long>(utc.tm_hour));
+    args.add(static_cast<long>(utc.tm_min));
+    args.add(static_cast<long>(utc.tm_sec));
+    std::string text;
+    FormatArgs(text, "%s, %ld %s %ld %02ld:%02ld:%02ld GMT", args);
+    return text;
 }
 
 std::string NextToken(const char*& cursor) {

@@ -74,6 +74,10 @@ TEST_F(DatesTest, OutDateShowsGmtText) {
         EXPECT_EQ(OutDate(row.stamp), row.expected) << row.zone << " " << row.stamp;
     }
     EXPECT_EQ(OutDate(nullptr), "");
+    // A caller's formatted text survives a conversion.
+    prtFormatter.sprintf("kept %s", "text");
+    OutDate("20050105102030Z");
+    EXPECT_STREQ(prtFormatter.c_str(), "kept text");
 }
 
 TEST_F(DatesTest, OutDateTranslatesDayAndMonthNames) {
