@@ -1,27 +1,146 @@
-// First cut: no bundles are installed yet, so every text is its English
-// default. Replaced by the ICU resource-bundle catalogue.
 #include "i18n/bundle.h"
 
-#include <cctype>
+#include <unicode/ures.h>
+#include <unicode/ustring.h>
+#include <unistd.h>
 
-std::shared_ptr<CKvXlate> CKvXlate::GetBundle(const char*, const char*) { return nullptr; }
+#include <cstdlib>
+#include <unordered_map>
+#include <vector>
 
-void FormatMessagePattern(std::string& out, const char* pattern, const CpaArgList& args) {
-    if (pattern == nullptr) return;
-    for (const char* p = pattern; *p; ++p) {
-        if (*p == '{' && std::isdigit(static_cast<unsigned char>(p[1])) && p[2] == '}') {
-            size_t i = static_cast<size_t>(p[1] - '0');
-            if (i < args.size()) {
-                const CpaArg& a = args[i];
-                if (a.isText) {
-                    out += a.text ? a.text : "";
-                } else {
-                    out += std::to_string(a.number);
-                }
-            }
-            p += 2;
-            continue;
+#include "i18n/locale_list.h"
+
+namespace {
+
+// One opened ICU bundle; lookups fall back to the parent bundles ICU chains
+// in ("de_CH" to "de"). Texts are converted once and kept.
+class IcuBundle : public CKvXlate {
+  public:
+    IcuBundle(UResourceBundle* bundle, std::string locale)
+        : bundle_(bundle), locale_(std::move(locale)) {}
+    ~IcuBundle() override { ures_close(bundle_); }
+    IcuBundle(const IcuBundle&) = delete;
+    IcuBundle& operator=(const IcuBundle&) = delete;
+
+    const char* Lookup(const char* key) override;
+    const char* LocaleName() const override { return locale_.c_str(); }
+
+  private:
+    struct Text {
+        bool found = false;
+        std::string utf8;
+    };
+    UResourceBundle* bundle_;
+    std::string locale_;
+    std::unordered_map<std::string, Text> texts_;  // node-based: texts never move
+};
+
+const char* IcuBundle::Lookup(const char* key) {
+    if (key == nullptr) return nullptr;
+    auto known = texts_.find(key);
+    if (known == texts_.end()) {
+        Text& text = texts_[key];
+        UErrorCode status = U_ZERO_ERROR;
+        int32_t length = 0;
+        const UChar* u = ures_getStringByKey(bundle_, CatalogueKey(key).c_str(), &length, &status);
+        if (U_SUCCESS(status) && u != nullptr) {
+            int32_t bytes = 0;
+            UErrorCode size = U_ZERO_ERROR;
+            u_strToUTF8(nullptr, 0, &bytes, u, length, &size);
+            text.utf8.resize(static_cast<size_t>(bytes));
+            status = U_ZERO_ERROR;
+            u_strToUTF8(&text.utf8[0], bytes, &bytes, u, length, &status);
+            text.found = U_SUCCESS(status) || status == U_STRING_NOT_TERMINATED_WARNING;
         }
-        out += *p;
+        known = texts_.find(key);
     }
+    return known->second.found ? known->second.utf8.c_str() : nullptr;
+}
+
+bool IsKeyByte(unsigned char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-';
+}
+
+// An application name is one plain directory name.
+bool IsApplicationName(const char* name) {
+    if (name == nullptr || *name == '\0' || *name == '.') return false;
+    for (const char* p = name; *p; ++p) {
+        if (*p == '/') return false;
+    }
+    return true;
+}
+
+// The program's own defaults are English, so an English entry always has a
+// "bundle": the defaults, unless a compiled one overrides them.
+bool IsEnglish(const std::string& name) {
+    return name == "en" || name.compare(0, 3, "en_") == 0;
+}
+
+// The first of `wanted` that has a bundle file in `tree`, or "".
+std::string ChooseFrom(const std::string& tree, const std::vector<std::string>& wanted) {
+    for (const std::string& entry : wanted) {
+        if (entry == "*") break;
+        for (std::string name = entry; !name.empty(); name = ParentLocale(name)) {
+            if (access((tree + name + ".res").c_str(), R_OK) == 0) return name;
+        }
+        if (IsEnglish(entry)) break;
+    }
+    return std::string();
+}
+
+}  // namespace
+
+std::string CatalogueKey(const char* key) {
+    static const char kHex[] = "0123456789ABCDEF";
+    std::string out;
+    for (const char* p = key ? key : ""; *p; ++p) {
+        unsigned char c = static_cast<unsigned char>(*p);
+        if (IsKeyByte(c)) {
+            out += *p;
+        } else {
+            out += '_';
+            out += kHex[c >> 4];
+            out += kHex[c & 15];
+        }
+    }
+    return out;
+}
+
+std::string CatalogueDirectory() {
+    const char* named = std::getenv("LXRADMIN_CATALOGUE");
+    if (named && *named) return named;
+    char path[4096];
+    ssize_t n = readlink("/proc/self/exe", path, sizeof path - 1);
+    if (n <= 0) return std::string();
+    std::string exe(path, static_cast<size_t>(n));
+    size_t slash = exe.rfind('/');
+    if (slash == std::string::npos) return std::string();
+    return exe.substr(0, slash + 1) + "catalogue";
+}
+
+std::string ChooseCatalogueLocale(const std::string& directory, const char* bundleName,
+                                  const char* locale) {
+    if (directory.empty() || !IsApplicationName(bundleName)) return std::string();
+    return ChooseFrom(directory + "/" + bundleName + "/", PreferredLocales(locale));
+}
+
+std::shared_ptr<CKvXlate> CKvXlate::GetBundle(const char* bundleName, const char* locale) {
+    // The empty locale (the defaults) needs no directory at all.
+    std::vector<std::string> wanted = PreferredLocales(locale);
+    if (wanted.empty() || !IsApplicationName(bundleName)) return nullptr;
+    std::string directory = CatalogueDirectory();
+    if (directory.empty()) return nullptr;
+    // ICU reads "<tree><name>.res" when the path ends with a separator.
+    std::string tree = directory + "/" + bundleName + "/";
+    std::string name = ChooseFrom(tree, wanted);
+    if (name.empty()) return nullptr;
+    UErrorCode status = U_ZERO_ERROR;
+    UResourceBundle* bundle = ures_open(tree.c_str(), name.c_str(), &status);
+    // A default-locale warning means ICU did not find our file after all and
+    // took the process's locale instead: not what was asked for.
+    if (U_FAILURE(status) || status == U_USING_DEFAULT_WARNING) {
+        ures_close(bundle);
+        return nullptr;
+    }
+    return std::make_shared<IcuBundle>(bundle, name);
 }

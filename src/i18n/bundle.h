@@ -1,4 +1,6 @@
-// A message bundle: the catalogue texts of one application for one locale.
+// The message catalogue: compiled ICU resource bundles, one tree per
+// application, read at run time from the catalogue directory
+// (docs/catalogues.md describes the files).
 #pragma once
 
 #include <memory>
@@ -6,18 +8,58 @@
 
 #include "platform/formatter.h"
 
+// The catalogue texts of one application for one locale.
 class CKvXlate {
-public:
+  public:
     virtual ~CKvXlate() = default;
 
-    // The bundle of `bundleName` for `locale`, or null when none can be
-    // opened.
+    // The bundle of `bundleName` ("LXRAdmin", "KvCPW") for `locale`, or null
+    // when none can be opened. `locale` is a tag or an accept-list; its
+    // entries are tried in quality order, each with its parents ("de_DE",
+    // then "de"), and the first that has a compiled bundle is opened. An
+    // English entry (or "*") without a bundle of its own ends the search with
+    // null: English is what the program's defaults already say. No entry,
+    // no catalogue directory, or a file ICU cannot read also give null; the
+    // callers then use their English defaults. Nothing of ICU is touched
+    // unless a bundle file exists.
     static std::shared_ptr<CKvXlate> GetBundle(const char* bundleName, const char* locale);
 
-    // The text stored for `key`, or null when the bundle has no such entry.
+    // The text stored for `key` (as UTF-8), or null when the bundle has no
+    // such entry. The text lives as long as the bundle.
     virtual const char* Lookup(const char* key) = 0;
+
+    // The locale the bundle was opened for ("de", "de_CH"); texts with
+    // arguments are formatted by its rules.
+    virtual const char* LocaleName() const { return ""; }
 };
 
-// Formats `pattern` with `args`: "{n}" is the n-th argument (numbers written
-// plainly). Appends to `out`.
-void FormatMessagePattern(std::string& out, const char* pattern, const CpaArgList& args);
+// The directory that holds the catalogue: LXRADMIN_CATALOGUE when set and
+// not empty, else "catalogue" beside the running executable
+// ("/opt/lxr/cgi-bin/LXRAdmin" -> "/opt/lxr/cgi-bin/catalogue"). "" when
+// neither can be found.
+std::string CatalogueDirectory();
+
+// The locale whose bundle GetBundle would open for `locale` in
+// <directory>/<bundleName>/, or "" when the English defaults apply.
+std::string ChooseCatalogueLocale(const std::string& directory, const char* bundleName,
+                                  const char* locale);
+
+// The resource key under which `key` is stored. ICU table keys hold only
+// invariant characters, while the program's keys may carry a trailing blank
+// ("KV-LXR-12200 ") and prompts used as keys start with "#" ("#Account
+// Status"). Letters, digits and "-" stay as they are; every other byte
+// becomes "_" and two upper-case hex digits: "KV-LXR-12200 " ->
+// "KV-LXR-12200_20", "#Account Status" -> "_23Account_20Status".
+std::string CatalogueKey(const char* key);
+
+// Formats `pattern` the way catalogue texts are formatted, with ICU's
+// message syntax: "{n}" is the n-th argument of `args`, counted from 0, in
+// any order. An argument that appears only as a plain "{n}" is written as it
+// stands, numbers in plain decimal ("{0}" with 1234 gives "1234"); one given
+// a type ("{0,number}") is formatted by the rules of `locale`. A pattern
+// with neither "{" nor an apostrophe is copied unformatted. "%0" means
+// nothing and stays. Appends to `out` and returns true; returns false and
+// appends nothing for a null or malformed pattern or arguments the pattern
+// cannot take.
+bool FormatMessagePattern(std::string& out, const char* pattern, const CpaArgList& args,
+                          const char* locale = "");

@@ -38,15 +38,21 @@ const char* Xlate::Translate(const char* key) {
     return text ? text : key;
 }
 
+const char* Xlate::BundleLocale() const {
+    return bundle_ ? bundle_->LocaleName() : "";
+}
+
 const char* Xlate::FormatPattern(const char* pattern) {
     const char* text = Translate(pattern);
+    if (text == nullptr) return nullptr;
     formatted_.clear();
-    FormatMessagePattern(formatted_, text, args_);
+    if (!FormatMessagePattern(formatted_, text, args_, BundleLocale())) formatted_ = text;
     return formatted_.c_str();
 }
 
 CLanguage::CLanguage(const char* application, const char* locale, bool withId)
-    : Xlate(application, locale, false), application_(application ? application : ""),
+    : Xlate(application, locale, false),
+      application_(application ? application : ""),
       withId_(withId) {}
 
 int CLanguage::Translate(char* buffer, int size, const char* key, const char* defaultText) {
@@ -60,11 +66,13 @@ int CLanguage::TranslateArgs(char* buffer, int size, const char* key, const char
     if (buffer == nullptr || size == 0) return 0;
     const char* found = Xlate::Translate(key);
     std::string text;
-    if (found != nullptr && found != key) {
-        FormatMessagePattern(text, found, args_);
-    } else {
-        FormatMessagePattern(text, defaultText, args_);
+    if (found != nullptr && found != key &&
+        FormatMessagePattern(text, found, args_, BundleLocale())) {
+        return InternalFormat(buffer, size, key, text.c_str());
     }
+    if (defaultText == nullptr) return InternalFormat(buffer, size, key, nullptr);
+    text.clear();
+    if (!FormatMessagePattern(text, defaultText, args_, BundleLocale())) text = defaultText;
     return InternalFormat(buffer, size, key, text.c_str());
 }
 
@@ -78,7 +86,8 @@ int CLanguage::InternalFormat(char* buffer, int size, const char* key, const cha
     }
     bool ok = text != nullptr;
     if (ok) out += text;
-    size_t n = out.size() < static_cast<size_t>(size - 1) ? out.size() : static_cast<size_t>(size - 1);
+    size_t n =
+        out.size() < static_cast<size_t>(size - 1) ? out.size() : static_cast<size_t>(size - 1);
     std::memcpy(buffer, out.data(), n);
     buffer[n] = '\0';
     return ok ? 1 : 0;

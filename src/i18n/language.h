@@ -11,7 +11,7 @@ class CKvXlate;  // a loaded message bundle (i18n/bundle.h)
 
 // Bundle handle and argument formatting, shared by the translators.
 class Xlate {
-public:
+  public:
     Xlate(const char* bundleName, const char* locale, bool flag);
     virtual ~Xlate();
 
@@ -23,13 +23,19 @@ public:
     const char* Translate(const char* key);
 
     // Formats `pattern` (a key, looked up first, or a plain text) with the
-    // arguments in args(): "{n}" is the n-th argument. The result lives until
-    // the next call on this object.
+    // arguments in args(): "{n}" is the n-th argument (FormatMessagePattern
+    // in i18n/bundle.h). A text that cannot be formatted is returned as it
+    // stands; null stays null. The result lives until the next call on this
+    // object.
     const char* FormatPattern(const char* pattern);
 
     CpaArgList& args() { return args_; }
 
-protected:
+    // The locale of the loaded bundle ("de"), or "" without one; the rules
+    // for typed arguments such as "{0,number}".
+    const char* BundleLocale() const;
+
+  protected:
     std::shared_ptr<CKvXlate> bundle_;
     CpaArgList args_;
     std::string bundleName_;
@@ -41,7 +47,7 @@ protected:
 };
 
 class CLanguage : public Xlate {
-public:
+  public:
     CLanguage(const char* application, const char* locale, bool withId);
 
     // Writes the text for `key` (or `defaultText` when the catalogue has none)
@@ -50,7 +56,10 @@ public:
     // 0 for a null buffer, a zero size or no text.
     int Translate(char* buffer, int size, const char* key, const char* defaultText);
 
-    // The same with arguments, "{0}", "{1}"... in the texts.
+    // The same with arguments, "{0}", "{1}"... in the texts. The catalogue
+    // text is formatted with them; when there is none, or it cannot be
+    // formatted, the default is formatted instead (a default that cannot be
+    // formatted is used as it stands).
     template <class A1>
     int Translate(char* b, int s, const char* k, const A1& a1, const char* d) {
         args_.clear();
@@ -104,7 +113,7 @@ public:
     bool IsWithID() const { return withId_; }
     bool Translating() const { return true; }
 
-private:
+  private:
     int TranslateArgs(char* buffer, int size, const char* key, const char* defaultText);
 
     std::string application_;

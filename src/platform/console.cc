@@ -21,5 +21,9 @@ static void PrintTo(FILE* stream, const char* text, int flag) {
     std::fflush(stream);
 }
 
-void KvPrintBufferToConsole(const char* text, int flag) { PrintTo(stdout, text, flag); }
-void KvPrintBufferToError(const char* text, int flag) { PrintTo(stderr, text, flag); }
+void KvPrintBufferToConsole(const char* text, int flag) {
+    PrintTo(stdout, text, flag);
+}
+void KvPrintBufferToError(const char* text, int flag) {
+    PrintTo(stderr, text, flag);
+}

@@ -4,7 +4,7 @@
 #pragma once
 
 class CKvGetEnv {
-public:
+  public:
     CKvGetEnv() = default;
     explicit CKvGetEnv(const char* name) { set(name); }
 
@@ -14,6 +14,6 @@ public:
     // The text held, or null.
     const char* c_str() const { return value_; }
 
-private:
+  private:
     const char* value_ = nullptr;
 };

@@ -22,7 +22,9 @@ void AppendPrintf(std::string& out, const std::string& spec, T value) {
     out.resize(at + static_cast<size_t>(n));
 }
 
-long long NumberOf(const CpaArg* arg) { return (arg && !arg->isText) ? arg->number : 0; }
+long long NumberOf(const CpaArg* arg) {
+    return (arg && !arg->isText) ? arg->number : 0;
+}
 
 // Formats one conversion. `flags` holds flags, width and precision as
 // written; the C type is chosen here, so the caller's length modifier only

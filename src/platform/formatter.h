@@ -16,13 +16,15 @@ struct CpaArg {
 // The arguments of one formatting call, in order. Each call clears and
 // refills it, so a list is only valid until the next call on its owner.
 class CpaArgList {
-public:
+  public:
     void clear() { args_.clear(); }
     void add(int v) { args_.push_back(CpaArg{false, v, nullptr}); }
     void add(long v) { args_.push_back(CpaArg{false, v, nullptr}); }
     void add(long long v) { args_.push_back(CpaArg{false, v, nullptr}); }
     void add(unsigned v) { args_.push_back(CpaArg{false, v, nullptr}); }
-    void add(unsigned long v) { args_.push_back(CpaArg{false, static_cast<long long>(v), nullptr}); }
+    void add(unsigned long v) {
+        args_.push_back(CpaArg{false, static_cast<long long>(v), nullptr});
+    }
     void add(unsigned long long v) {
         args_.push_back(CpaArg{false, static_cast<long long>(v), nullptr});
     }
@@ -32,7 +34,7 @@ public:
     size_t size() const { return args_.size(); }
     const CpaArg& operator[](size_t i) const { return args_[i]; }
 
-private:
+  private:
     std::vector<CpaArg> args_;
 };
 
@@ -48,7 +50,7 @@ private:
 void FormatArgs(std::string& out, const char* format, const CpaArgList& args);
 
 class CKvFormatter {
-public:
+  public:
     // Formats to standard output. Returns the number of bytes written.
     template <class... A>
     int printf(const char* format, const A&... a) {
@@ -74,7 +76,7 @@ public:
     // the callers' sake and has no effect.
     int fprint(FILE* stream, int flag, const char* format);
 
-private:
+  private:
     CpaArgList args_;
     std::string text_;
     std::string scratch_;

@@ -4,7 +4,9 @@
 
 #include <cstdlib>
 
-int KvAccess(const char* path, int mode) { return path ? ::access(path, mode) : -1; }
+int KvAccess(const char* path, int mode) {
+    return path ? ::access(path, mode) : -1;
+}
 
 const char* KvGetAdminLocale() {
     const char* v = std::getenv("LXRADMIN_LOCALE");

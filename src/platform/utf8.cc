@@ -54,6 +54,12 @@ std::string CKvToUTF8(const char* text, const char* charset) {
     return out;
 }
 
-bool KvIsWhiteSpace(int c) { return c == '\r' || c == '\n' || u_isUWhiteSpace(c); }
-bool KvIsAlpha(int c) { return u_isUAlphabetic(c); }
-bool KvIsDigit(int c) { return u_isdigit(c); }
+bool KvIsWhiteSpace(int c) {
+    return c == '\r' || c == '\n' || u_isUWhiteSpace(c);
+}
+bool KvIsAlpha(int c) {
+    return u_isUAlphabetic(c);
+}
+bool KvIsDigit(int c) {
+    return u_isdigit(c);
+}

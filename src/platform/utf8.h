@@ -6,14 +6,14 @@
 
 // Walks a UTF-8 text one code point at a time.
 class CKvUTF8CharIterator {
-public:
+  public:
     explicit CKvUTF8CharIterator(const char* text);
     // The next code point, or 0 at the end of the text. A byte that does not
     // start a well-formed sequence is returned as its own value (0x80..0xFF)
     // and the walk moves on by one byte, so no input ever stalls the walk.
     int next();
 
-private:
+  private:
     const char* text_;
     int length_ = 0;
     int offset_ = 0;

@@ -53,7 +53,9 @@ TEST(CKvUTF8ToUpper, RootRules) {
         const char* want;
     } cases[] = {
         {"utf-8;q=0.5, iso-8859-1", "UTF-8;Q=0.5, ISO-8859-1"},
-        {"stra\xC3\x9F" "e \xC3\xA9t\xC3\xA9", "STRASSE \xC3\x89T\xC3\x89"},
+        {"stra\xC3\x9F"
+         "e \xC3\xA9t\xC3\xA9",
+         "STRASSE \xC3\x89T\xC3\x89"},
         {"i", "I"},  // root rules, never the Turkish dotted capital
         {"", ""},
     };
@@ -92,11 +94,14 @@ TEST(CharacterClasses, Unicode) {
         int c;
         bool space, alpha, digit;
     } cases[] = {
-        {' ', true, false, false},     {'\t', true, false, false},  {'\r', true, false, false},
-        {'\n', true, false, false},    {0xA0, true, false, false},  {0x3000, true, false, false},
-        {'a', false, true, false},     {0xE9, false, true, false},  {0x4E00, false, true, false},
-        {'7', false, false, true},     {0x0663, false, false, true}, {'/', false, false, false},
-        {0x2014, false, false, false}, {-1, false, false, false},   {0x110000, false, false, false},
+        {' ', true, false, false},       {'\t', true, false, false},
+        {'\r', true, false, false},      {'\n', true, false, false},
+        {0xA0, true, false, false},      {0x3000, true, false, false},
+        {'a', false, true, false},       {0xE9, false, true, false},
+        {0x4E00, false, true, false},    {'7', false, false, true},
+        {0x0663, false, false, true},    {'/', false, false, false},
+        {0x2014, false, false, false},   {-1, false, false, false},
+        {0x110000, false, false, false},
     };
     for (const Case& c : cases) {
         EXPECT_EQ(KvIsWhiteSpace(c.c), c.space) << c.c;

@@ -1,0 +1,21 @@
+// Reading the locale text a translator is opened for. The text may be a
+// single tag ("de", "de-DE") or a whole accept-list as browsers send it
+// ("fr,de;q=0.8,en-US;q=0.001"); the catalogue tries its entries in order.
+#pragma once
+
+#include <string>
+#include <vector>
+
+// The entries of `text` in the order they are to be tried: by quality, best
+// first, entries of equal quality in their written order. Each entry is given
+// in the catalogue's file-name form: language in lower case, script in title
+// case, region in upper case, joined with "_" ("de-de" -> "de_DE",
+// "zh-hant-tw" -> "zh_Hant_TW"); variants and extensions are dropped. "*"
+// stays "*". Parameters other than "q" are ignored ("de; b=2" is "de"); an
+// unreadable quality counts as 1, quality 0 removes the entry; an entry that
+// is not a language tag is skipped, so no entry can name a path. A null or
+// empty text gives no entries.
+std::vector<std::string> PreferredLocales(const char* text);
+
+// The next more general locale: "zh_Hant_TW" -> "zh_Hant" -> "zh" -> "".
+std::string ParentLocale(const std::string& name);
