@@ -8,7 +8,7 @@ PACKAGES=(
   libicu-dev icu-devtools libsqlite3-dev sqlite3 libldap-dev ldap-utils slapd
   libtomlplusplus-dev libargon2-dev libcrypt-dev
   libgtest-dev libbenchmark-dev
-  lighttpd wrk hyperfine
+  lighttpd wrk hyperfine time
 )
 if [ "${LXR_WITH_BROWSER:-0}" = 1 ]; then
   PACKAGES+=(chromium nodejs apache2)

@@ -1,0 +1,85 @@
+#!/usr/bin/env bash
+# Web throughput benchmark: LXRAdmin's user display page for a demo user, and
+# a trivial compiled CGI that prints a fixed page, both through the same
+# lighttpd (web/lighttpd.sh) in the same run, measured with wrk on loopback.
+# Then the peak memory of one LXRAdmin process serving that page.
+#
+#   bench/web/run.sh [BUILD_DIR] [SECONDS]     (defaults: build, 10)
+#
+# Build first: ninja -C BUILD_DIR LXRAdmin lxrdir web_trivial_cgi
+# Targets: the display page at half the trivial CGI's rate or better; peak
+# resident memory of one LXRAdmin process under 8 MB.
+set -euo pipefail
+root=$(cd "$(dirname "$0")/../.." && pwd)
+build=$(cd "${1:-$root/build}" && pwd)
+seconds=${2:-10}
+exe=$build/src/driver/LXRAdmin
+trivial=$build/bench/web/web_trivial_cgi
+for f in "$exe" "$trivial"; do
+  [ -x "$f" ] || { echo "missing $f; build it first" >&2; exit 2; }
+done
+command -v wrk >/dev/null || { echo "wrk is not installed (bash scripts/deps.sh)" >&2; exit 2; }
+
+work=$(mktemp -d "${TMPDIR:-/tmp}/lxr-webbench.XXXXXX")
+run=$work/server
+cleanup() {
+  bash "$root/web/lighttpd.sh" stop --run "$run" >/dev/null 2>&1 || true
+  rm -rf "$work"
+}
+trap cleanup EXIT
+
+# A private copy of the demo directory; its settings (the demo user, the
+# administrator's identity) come from web/demo.env.
+bash "$root/web/make-demo.sh" --build "$build" --dir "$work/demo" >/dev/null
+# shellcheck source=/dev/null
+. "$work/demo/demo.env"
+
+url=$(bash "$root/web/lighttpd.sh" start --run "$run" --cgi "$exe" \
+  --agent "$work/demo/agent.conf" --env "LXRAPI_CONFIG=$LXRAPI_CONFIG" \
+  --alias "/cgi-bin/trivial=$trivial")
+display="$url/cgi-bin/LXRAdmin?USERDIR=$DEMO_USERDIR&USER=$DEMO_USER"
+fixed="$url/cgi-bin/trivial"
+
+# Both answer properly before anything is measured.
+http_get() {  # PATH -> the whole response, over a plain socket
+  local port=${url##*:}
+  exec 3<>"/dev/tcp/127.0.0.1/$port"
+  printf 'GET %s HTTP/1.0\r\nHost: 127.0.0.1\r\n\r\n' "$1" >&3
+  cat <&3
+  exec 3<&-
+}
+page=$(http_get "${display#"$url"}")
+case $page in *'NAME="PostForm"'*) ;; *) echo "display page is not a user page:" >&2; echo "$page" | head -20 >&2; exit 1 ;; esac
+case $(http_get /cgi-bin/trivial) in "HTTP/1.0 200"*) ;; *) echo "trivial CGI failed" >&2; exit 1 ;; esac
+
+measure() {  # name url -> "name rate non2xx"
+  local out rate bad
+  out=$(wrk -t2 -c8 -d"${seconds}s" --latency "$2")
+  echo "$out" >"$work/wrk-$1.txt"
+  rate=$(awk '/^Requests\/sec:/ {print $2}' <<<"$out")
+  bad=$(awk '/Non-2xx or 3xx responses:/ {print $5}' <<<"$out")
+  echo "$1 $rate ${bad:-0}"
+}
+measure trivial "$fixed" >"$work/trivial.txt"
+measure display "$display" >"$work/display.txt"
+read -r _ trivial_rate trivial_bad <"$work/trivial.txt"
+read -r _ display_rate display_bad <"$work/display.txt"
+
+# Peak memory of one process serving the same page, with the CGI environment
+# the server gives it (the agent's headers included).
+peak_kb=$(cd "$(dirname "$exe")" && env -i REQUEST_METHOD=GET \
+  QUERY_STRING="USERDIR=$DEMO_USERDIR&USER=$DEMO_USER" SCRIPT_NAME=/cgi-bin/LXRAdmin \
+  HTTP_KV_USERDN="$AGENT_USERDN" HTTP_USERPATH="$AGENT_USERPATH" \
+  HTTP_KV_AUTHDIRNAMESPACE="$AGENT_NAMESPACE" HTTP_KV_AUTHDIRSERVER="$AGENT_SERVER" \
+  HTTP_LXRADMIN="$AGENT_IDENTITY" LXRAPI_CONFIG="$LXRAPI_CONFIG" \
+  /usr/bin/time -f '%M' "$exe" 2>&1 >/dev/null | tail -1)
+
+awk -v t="$trivial_rate" -v d="$display_rate" -v tb="$trivial_bad" -v db="$display_bad" \
+    -v kb="$peak_kb" -v secs="$seconds" 'BEGIN {
+  printf "wrk -t2 -c8 -d%ss on 127.0.0.1, same lighttpd\n", secs
+  printf "%-28s %12s %10s\n", "page", "requests/s", "non-2xx"
+  printf "%-28s %12.1f %10d\n", "trivial CGI (fixed page)", t, tb
+  printf "%-28s %12.1f %10d\n", "LXRAdmin user display page", d, db
+  printf "display / trivial = %.2f (target: at least 0.50)\n", d / t
+  printf "peak RSS of one LXRAdmin process: %.1f MB (target: under 8 MB)\n", kb / 1024
+}'
