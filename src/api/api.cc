@@ -1,20 +1,123 @@
+// The C boundary of the administration API. Everything behind it is C++;
+// here the caller's buffers are filled, never past their sizes, and no
+// exception gets out.
+#include <cstring>
+#include <exception>
+#include <memory>
+#include <new>
+#include <string>
+
+#include "config.h"
 #include "lxrapi.h"
+#include "service.h"
+#include "sqlite_store.h"
 
-#include <cstdio>
+namespace {
 
-// Placeholder until the store-backed library lands.
-int LXRAdminGetDirectory(const char*, char*, int, char* message, int messageSize, const char*,
-                         const char*, const char*) {
-    if (message && messageSize > 0) std::snprintf(message, messageSize, "not built yet");
-    return -7;
+using lxrapi::Status;
+
+// Copies `text` into the caller's message buffer, cut to size - 1 bytes.
+void PutMessage(char* message, int size, const std::string& text) {
+    if (!message || size <= 0) return;
+    size_t n = std::min(text.size(), static_cast<size_t>(size) - 1);
+    std::memcpy(message, text.data(), n);
+    message[n] = '\0';
 }
-int LXRAdminRead(const char*, const char*, const char*, char*, int, char* message, int messageSize,
-                 const char*, const char*, const char*, const char*) {
-    if (message && messageSize > 0) std::snprintf(message, messageSize, "not built yet");
-    return -7;
+
+int Fail(const Status& status, char* message, int messageSize) {
+    PutMessage(message, messageSize, status.message());
+    return status.code();
 }
-int LXRAdminWrite(const char*, const char*, const char*, char* message, int messageSize,
-                  const char*, const char*, const char*, const char*) {
-    if (message && messageSize > 0) std::snprintf(message, messageSize, "not built yet");
-    return -7;
+
+// Copies a reply with its terminating zero, or fails with -6 when it does not
+// fit; a reply that does not fit leaves an empty text behind.
+int PutReply(const std::string& document, char* reply, int replySize, char* message,
+             int messageSize) {
+    if (!reply || replySize <= 0 || document.size() + 1 > static_cast<size_t>(replySize)) {
+        if (reply && replySize > 0) reply[0] = '\0';
+        return Fail(Status(lxrapi::kBufferTooSmall,
+                           "the reply of " + std::to_string(document.size() + 1) +
+                               " bytes does not fit the buffer of " +
+                               std::to_string(replySize < 0 ? 0 : replySize) + " bytes"),
+                    message, messageSize);
+    }
+    std::memcpy(reply, document.data(), document.size());
+    reply[document.size()] = '\0';
+    return 0;
+}
+
+template <typename Fn>
+int Guarded(char* message, int messageSize, Fn body) {
+    try {
+        return body();
+    } catch (const std::bad_alloc&) {
+        return Fail(Status::Unreachable("out of memory"), message, messageSize);
+    } catch (const std::exception& e) {
+        return Fail(Status::Unreachable(std::string("internal error: ") + e.what()), message,
+                    messageSize);
+    } catch (...) {
+        return Fail(Status::Unreachable("internal error"), message, messageSize);
+    }
+}
+
+std::string Text(const char* p) { return p ? p : ""; }
+
+}  // namespace
+
+extern "C" int LXRAdminGetDirectory(const char* identity, char* reply, int replySize,
+                                    char* message, int messageSize, const char*, const char*,
+                                    const char*) {
+    return Guarded(message, messageSize, [&] {
+        std::shared_ptr<const lxrapi::Config> config;
+        Status s = lxrapi::CurrentConfig(&config);
+        std::string document;
+        if (s.ok()) s = lxrapi::GetDirectories(*config, Text(identity), &document);
+        if (!s.ok()) return Fail(s, message, messageSize);
+        int rc = PutReply(document, reply, replySize, message, messageSize);
+        if (rc == 0) PutMessage(message, messageSize, "");
+        return rc;
+    });
+}
+
+extern "C" int LXRAdminRead(const char* identity, const char* administratorPath,
+                            const char* userPath, char* reply, int replySize, char* message,
+                            int messageSize, const char*, const char*, const char*,
+                            const char*) {
+    return Guarded(message, messageSize, [&] {
+        std::shared_ptr<const lxrapi::Config> config;
+        Status s = lxrapi::CurrentConfig(&config);
+        std::string document;
+        int count = 0;
+        if (s.ok()) {
+            lxrapi::SqliteStoreProvider stores(config->busyTimeoutMs);
+            s = lxrapi::ReadUser(*config, stores, Text(identity), Text(administratorPath),
+                                 Text(userPath), &document, &count);
+        }
+        if (!s.ok()) return Fail(s, message, messageSize);
+        int rc = PutReply(document, reply, replySize, message, messageSize);
+        if (rc != 0) return rc;
+        PutMessage(message, messageSize, "");
+        return count;
+    });
+}
+
+extern "C" int LXRAdminWrite(const char* identity, const char* administratorPath,
+                             const char* updateDocument, char* message, int messageSize,
+                             const char*, const char*, const char*, const char*) {
+    return Guarded(message, messageSize, [&] {
+        std::shared_ptr<const lxrapi::Config> config;
+        Status s = lxrapi::CurrentConfig(&config);
+        if (s.ok()) {
+            if (!updateDocument) {
+                s = Status::BadRequest("no update document was given");
+            } else {
+                lxrapi::SqliteStoreProvider stores(config->busyTimeoutMs);
+                s = lxrapi::WriteUser(*config, stores, Text(identity), Text(administratorPath),
+                                      updateDocument);
+            }
+        }
+        if (!s.ok()) return Fail(s, message, messageSize);
+        PutMessage(message, messageSize, "");
+        return 0;
+    });
 }

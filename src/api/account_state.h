@@ -1,0 +1,33 @@
+// Why a user cannot log in now, and which stored values would lock the user
+// out again at the next login even after the present reason is lifted.
+#pragma once
+
+#include <ctime>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "config.h"
+#include "store.h"
+
+namespace lxrapi {
+
+struct GroupMembership {
+    const GroupConfig* group;
+    bool member;
+};
+
+struct AccountState {
+    // Each reason as shown to the administrator; none holds a comma (the
+    // page breaks the list at commas) nor a quotation mark.
+    std::vector<std::string> reasons;
+    // Lower-case names of the attributes whose value would disable again.
+    std::set<std::string> redisable;
+
+    std::string DisabledText() const;  // the reasons joined by ","
+};
+
+AccountState EvaluateAccount(const Entry& user, const Policy& policy,
+                             const std::vector<GroupMembership>& groups, std::time_t now);
+
+}  // namespace lxrapi

@@ -1,0 +1,370 @@
+#include "config.h"
+
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <mutex>
+#include <sstream>
+#include <toml++/toml.h>
+
+#include "text.h"
+
+namespace lxrapi {
+
+bool NameSet::Has(std::string_view name) const {
+    if (all) return true;
+    for (const std::string& n : names)
+        if (dns ? DnKey(n) == DnKey(name) : EqualsNoCase(n, name)) return true;
+    return false;
+}
+
+const DirectoryConfig* Config::FindDirectory(std::string_view id) const {
+    for (const DirectoryConfig& d : directories)
+        if (d.id == id) return &d;
+    return nullptr;
+}
+
+const Role* Config::FindRole(std::string_view name) const {
+    for (const Role& r : roles)
+        if (EqualsNoCase(r.name, name)) return &r;
+    return nullptr;
+}
+
+namespace {
+
+// Collects the first problem with its line; later checks are skipped.
+class Reader {
+public:
+    explicit Reader(const std::string& path) : path_(path) {}
+
+    bool Fail(int line, const std::string& problem) {
+        if (failed_) return false;
+        failed_ = true;
+        status_ = Status::Unreachable(path_ + ":" + std::to_string(line) + ": " + problem);
+        return false;
+    }
+    bool failed() const { return failed_; }
+    Status status() const { return status_; }
+    const std::string& path() const { return path_; }
+
+    static int Line(const toml::node& node) { return static_cast<int>(node.source().begin.line); }
+
+    // Refuses keys other than `known`, so that a misspelt key is reported.
+    bool OnlyKeys(const toml::table& table, const char* where,
+                  std::initializer_list<const char*> known) {
+        for (const auto& [key, node] : table) {
+            bool ok = false;
+            for (const char* k : known) ok = ok || key.str() == k;
+            if (!ok) return Fail(Line(node), std::string("unknown key \"") + std::string(key.str()) +
+                                                 "\" in " + where);
+        }
+        return true;
+    }
+
+    bool String(const toml::table& t, const char* key, const char* where, bool required,
+                std::string* out) {
+        const toml::node* node = t.get(key);
+        if (!node) {
+            if (required) return Fail(Line(t), std::string(where) + ": \"" + key + "\" is missing");
+            return true;
+        }
+        if (!node->is_string())
+            return Fail(Line(*node), std::string(where) + ": \"" + key + "\" must be a string");
+        *out = node->as_string()->get();
+        if (out->find('"') != std::string::npos)
+            return Fail(Line(*node), std::string(where) + ": \"" + key +
+                                         "\" must not hold a quotation mark");
+        return true;
+    }
+
+    bool Int(const toml::table& t, const char* key, const char* where, int low, int high,
+             int* out) {
+        const toml::node* node = t.get(key);
+        if (!node) return true;
+        if (!node->is_integer() || node->as_integer()->get() < low ||
+            node->as_integer()->get() > high)
+            return Fail(Line(*node), std::string(where) + ": \"" + key +
+                                         "\" must be a whole number from " + std::to_string(low) +
+                                         " to " + std::to_string(high));
+        *out = static_cast<int>(node->as_integer()->get());
+        return true;
+    }
+
+    bool Bool(const toml::table& t, const char* key, const char* where, bool* out) {
+        const toml::node* node = t.get(key);
+        if (!node) return true;
+        if (!node->is_boolean())
+            return Fail(Line(*node), std::string(where) + ": \"" + key + "\" must be true or false");
+        *out = node->as_boolean()->get();
+        return true;
+    }
+
+    bool Names(const toml::table& t, const char* key, const char* where, bool dns, NameSet* out) {
+        out->dns = dns;
+        const toml::node* node = t.get(key);
+        if (!node) return true;
+        if (node->is_string() && node->as_string()->get() == "*") {
+            out->all = true;
+            return true;
+        }
+        const toml::array* array = node->as_array();
+        if (!array)
+            return Fail(Line(*node), std::string(where) + ": \"" + key +
+                                         "\" must be \"*\" or a list of strings");
+        for (const toml::node& item : *array) {
+            if (!item.is_string() || item.as_string()->get().empty())
+                return Fail(Line(item), std::string(where) + ": \"" + key +
+                                            "\" must hold non-empty strings");
+            const std::string& s = item.as_string()->get();
+            if (s == "*")
+                out->all = true;
+            else
+                out->names.push_back(s);
+        }
+        return true;
+    }
+
+    std::string Resolve(const std::string& store) const {
+        if (!store.empty() && store[0] == '/') return store;
+        size_t slash = path_.rfind('/');
+        std::string folder = slash == std::string::npos ? "." : path_.substr(0, slash);
+        if (folder.empty()) folder = "/";
+        return folder + "/" + store;
+    }
+
+private:
+    std::string path_;
+    bool failed_ = false;
+    Status status_;
+};
+
+bool ReadGroup(Reader& r, const toml::table& t, const std::string& where, GroupConfig* g) {
+    if (!r.OnlyKeys(t, where.c_str(), {"dn", "prompt", "reason"})) return false;
+    if (!r.String(t, "dn", where.c_str(), true, &g->dn) ||
+        !r.String(t, "prompt", where.c_str(), false, &g->prompt) ||
+        !r.String(t, "reason", where.c_str(), false, &g->reason))
+        return false;
+    if (g->dn.find('=') == std::string::npos)
+        return r.Fail(Reader::Line(t), where + ": \"dn\" is not a distinguished name");
+    if (g->reason.find(',') != std::string::npos)
+        return r.Fail(Reader::Line(t), where + ": \"reason\" must not hold a comma");
+    return true;
+}
+
+bool ReadDirectory(Reader& r, const toml::table& t, int index, Config* config) {
+    DirectoryConfig d;
+    d.line = Reader::Line(t);
+    std::string where = "directory " + std::to_string(index + 1);
+    if (!r.OnlyKeys(t, where.c_str(), {"id", "name", "store", "base", "naming", "group"}))
+        return false;
+    if (!r.String(t, "id", where.c_str(), true, &d.id)) return false;
+    if (d.id.empty() || d.id.find_first_of("/ \t") != std::string::npos)
+        return r.Fail(d.line, where + ": \"id\" must be non-empty, without \"/\" or blanks");
+    if (config->FindDirectory(d.id))
+        return r.Fail(d.line, where + ": the identifier \"" + d.id + "\" is used twice");
+    where = "directory \"" + d.id + "\"";
+    if (!r.String(t, "name", where.c_str(), false, &d.name) ||
+        !r.String(t, "store", where.c_str(), true, &d.store) ||
+        !r.String(t, "base", where.c_str(), true, &d.base))
+        return false;
+    if (d.name.empty()) d.name = d.id;
+    if (d.store.empty()) return r.Fail(d.line, where + ": \"store\" is empty");
+    if (d.base.find('=') == std::string::npos)
+        return r.Fail(d.line, where + ": \"base\" is not a distinguished name");
+    d.store = r.Resolve(d.store);
+    NameSet naming;
+    if (!r.Names(t, "naming", where.c_str(), false, &naming)) return false;
+    if (naming.all) return r.Fail(d.line, where + ": \"naming\" must list attribute names");
+    d.naming = naming.names.empty() ? std::vector<std::string>{"uid", "cn", "mail"} : naming.names;
+    if (const toml::node* groups = t.get("group")) {
+        const toml::array* array = groups->as_array();
+        if (!array || !array->is_array_of_tables())
+            return r.Fail(Reader::Line(*groups), where + ": \"group\" must be [[directory.group]]");
+        for (const toml::node& g : *array) {
+            GroupConfig group;
+            if (!ReadGroup(r, *g.as_table(), where + " group", &group)) return false;
+            d.groups.push_back(group);
+        }
+    }
+    config->directories.push_back(d);
+    return true;
+}
+
+bool ReadRole(Reader& r, const toml::table& t, int index, Config* config) {
+    Role role;
+    role.line = Reader::Line(t);
+    std::string where = "role " + std::to_string(index + 1);
+    if (!r.OnlyKeys(t, where.c_str(),
+                    {"name", "administrators", "directories", "read", "write", "groups_read",
+                     "groups_write"}))
+        return false;
+    if (!r.String(t, "name", where.c_str(), true, &role.name)) return false;
+    if (role.name.empty()) return r.Fail(role.line, where + ": \"name\" is empty");
+    if (config->FindRole(role.name))
+        return r.Fail(role.line, where + ": the role \"" + role.name + "\" is defined twice");
+    where = "role \"" + role.name + "\"";
+    if (!t.get("administrators"))
+        return r.Fail(role.line, where + ": \"administrators\" is missing");
+    if (!r.Names(t, "administrators", where.c_str(), true, &role.administrators) ||
+        !r.Names(t, "directories", where.c_str(), false, &role.directories) ||
+        !r.Names(t, "read", where.c_str(), false, &role.read) ||
+        !r.Names(t, "write", where.c_str(), false, &role.write) ||
+        !r.Names(t, "groups_read", where.c_str(), true, &role.groupsRead) ||
+        !r.Names(t, "groups_write", where.c_str(), true, &role.groupsWrite))
+        return false;
+    if (role.administrators.all)
+        return r.Fail(role.line, where + ": \"administrators\" must list DNs, not \"*\"");
+    for (const std::string& id : role.directories.names)
+        if (!config->FindDirectory(id))
+            return r.Fail(role.line, where + ": unknown directory \"" + id + "\"");
+    config->roles.push_back(role);
+    return true;
+}
+
+bool ReadPolicy(Reader& r, const toml::table& t, Policy* p) {
+    if (!r.OnlyKeys(t, "[policy]",
+                    {"max_failures", "password_expire_days", "inactivity_days", "password"}))
+        return false;
+    if (!r.Int(t, "max_failures", "[policy]", 0, 1000, &p->maxFailures) ||
+        !r.Int(t, "password_expire_days", "[policy]", 0, 36500, &p->passwordExpireDays) ||
+        !r.Int(t, "inactivity_days", "[policy]", 0, 36500, &p->inactivityDays))
+        return false;
+    const toml::node* node = t.get("password");
+    if (!node) return true;
+    const toml::table* pw = node->as_table();
+    if (!pw) return r.Fail(Reader::Line(*node), "[policy]: \"password\" must be a table");
+    const char* w = "[policy.password]";
+    PasswordRules& rules = p->password;
+    if (!r.OnlyKeys(*pw, w,
+                    {"min_length", "max_length", "min_digits", "min_upper", "min_lower",
+                     "min_other", "reject_user_name", "scheme"}) ||
+        !r.Int(*pw, "min_length", w, 1, 1024, &rules.minLength) ||
+        !r.Int(*pw, "max_length", w, 1, 1024, &rules.maxLength) ||
+        !r.Int(*pw, "min_digits", w, 0, 1024, &rules.minDigits) ||
+        !r.Int(*pw, "min_upper", w, 0, 1024, &rules.minUpper) ||
+        !r.Int(*pw, "min_lower", w, 0, 1024, &rules.minLower) ||
+        !r.Int(*pw, "min_other", w, 0, 1024, &rules.minOther) ||
+        !r.Bool(*pw, "reject_user_name", w, &rules.rejectUserName) ||
+        !r.String(*pw, "scheme", w, false, &rules.scheme))
+        return false;
+    if (rules.minLength > rules.maxLength)
+        return r.Fail(Reader::Line(*pw), std::string(w) + ": min_length exceeds max_length");
+    if (rules.scheme != "argon2id" && rules.scheme != "sha512-crypt")
+        return r.Fail(Reader::Line(*pw),
+                      std::string(w) + ": \"scheme\" must be \"argon2id\" or \"sha512-crypt\"");
+    return true;
+}
+
+template <typename Fn>
+bool EachTable(Reader& r, const toml::table& root, const char* key, Fn fn) {
+    const toml::node* node = root.get(key);
+    if (!node) return true;
+    const toml::array* array = node->as_array();
+    if (!array || !array->is_array_of_tables())
+        return r.Fail(Reader::Line(*node), std::string("\"") + key + "\" must be written [[" +
+                                               key + "]]");
+    int i = 0;
+    for (const toml::node& item : *array)
+        if (!fn(*item.as_table(), i++)) return false;
+    return true;
+}
+
+bool ReadRoot(Reader& r, const toml::table& root, Config* config) {
+    if (!r.OnlyKeys(root, "the file", {"administrators", "store", "policy", "directory", "role"}))
+        return false;
+    if (const toml::node* node = root.get("store")) {
+        const toml::table* t = node->as_table();
+        if (!t) return r.Fail(Reader::Line(*node), "\"store\" must be a table");
+        if (!r.OnlyKeys(*t, "[store]", {"busy_timeout_ms"}) ||
+            !r.Int(*t, "busy_timeout_ms", "[store]", 0, 600000, &config->busyTimeoutMs))
+            return false;
+    }
+    if (const toml::node* node = root.get("policy")) {
+        if (!node->as_table()) return r.Fail(Reader::Line(*node), "\"policy\" must be a table");
+        if (!ReadPolicy(r, *node->as_table(), &config->policy)) return false;
+    }
+    if (!EachTable(r, root, "directory", [&](const toml::table& t, int i) {
+            return ReadDirectory(r, t, i, config);
+        }))
+        return false;
+    if (config->directories.empty()) return r.Fail(1, "no [[directory]] is declared");
+    if (const toml::node* node = root.get("administrators")) {
+        const toml::table* t = node->as_table();
+        if (!t) return r.Fail(Reader::Line(*node), "\"administrators\" must be a table");
+        if (!r.OnlyKeys(*t, "[administrators]", {"store"}) ||
+            !r.String(*t, "store", "[administrators]", true, &config->adminStore))
+            return false;
+        config->adminStore = r.Resolve(config->adminStore);
+    } else {
+        config->adminStore = config->directories.front().store;
+    }
+    if (!EachTable(r, root, "role",
+                   [&](const toml::table& t, int i) { return ReadRole(r, t, i, config); }))
+        return false;
+    if (config->roles.empty()) return r.Fail(1, "no [[role]] is declared");
+    return true;
+}
+
+}  // namespace
+
+Status ParseConfig(std::string_view text, const std::string& path, Config* config) {
+    *config = Config();
+    config->path = path;
+    Reader reader(path);
+    toml::table root;
+    try {
+        root = toml::parse(text, path);
+    } catch (const toml::parse_error& e) {
+        reader.Fail(static_cast<int>(e.source().begin.line), std::string(e.description()));
+        return reader.status();
+    }
+    if (!ReadRoot(reader, root, config)) return reader.status();
+    return Status::OK();
+}
+
+Status LoadConfig(const std::string& path, Config* config) {
+    std::ifstream in(path, std::ios::binary);
+    if (!in)
+        return Status::Unreachable(path + ":0: cannot open the configuration file: " +
+                                   std::strerror(errno));
+    std::ostringstream text;
+    text << in.rdbuf();
+    return ParseConfig(text.str(), path, config);
+}
+
+std::string ConfigPath() {
+    const char* env = std::getenv("LXRAPI_CONFIG");
+    return env && *env ? env : "lxrapi.toml";
+}
+
+Status CurrentConfig(std::shared_ptr<const Config>* config) {
+    static std::mutex mutex;
+    static std::shared_ptr<const Config> cached;
+    static std::string cachedPath;
+    static struct stat cachedStat;
+    std::lock_guard<std::mutex> lock(mutex);
+    std::string path = ConfigPath();
+    struct stat st{};
+    if (::stat(path.c_str(), &st) != 0)
+        return Status::Unreachable(path + ":0: cannot open the configuration file: " +
+                                   std::strerror(errno));
+    if (cached && cachedPath == path && st.st_ino == cachedStat.st_ino &&
+        st.st_size == cachedStat.st_size && st.st_mtim.tv_sec == cachedStat.st_mtim.tv_sec &&
+        st.st_mtim.tv_nsec == cachedStat.st_mtim.tv_nsec) {
+        *config = cached;
+        return Status::OK();
+    }
+    auto fresh = std::make_shared<Config>();
+    Status s = LoadConfig(path, fresh.get());
+    if (!s.ok()) return s;
+    cached = fresh;
+    cachedPath = path;
+    cachedStat = st;
+    *config = cached;
+    return Status::OK();
+}
+
+}  // namespace lxrapi

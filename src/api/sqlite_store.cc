@@ -1,0 +1,458 @@
+#include "sqlite_store.h"
+
+#include <sqlite3.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <mutex>
+
+#include "text.h"
+
+namespace lxrapi {
+
+namespace {
+
+constexpr int kApplicationId = 0x4c585244;  // "LXRD": tells our files from other databases
+
+constexpr const char* kSchema = R"SQL(
+CREATE TABLE entry(
+    id INTEGER PRIMARY KEY,
+    dn TEXT NOT NULL,
+    dn_key TEXT NOT NULL UNIQUE);
+CREATE TABLE value(
+    id INTEGER PRIMARY KEY,
+    entry INTEGER NOT NULL REFERENCES entry(id),
+    attr TEXT NOT NULL,
+    attr_key TEXT NOT NULL,
+    text TEXT NOT NULL);
+CREATE INDEX value_entry ON value(entry, attr_key);
+CREATE INDEX value_text ON value(attr_key, lower(text));
+CREATE TABLE audit(
+    id INTEGER PRIMARY KEY,
+    stamp INTEGER NOT NULL,
+    administrator TEXT NOT NULL,
+    role TEXT NOT NULL,
+    user TEXT NOT NULL,
+    user_key TEXT NOT NULL);
+CREATE INDEX audit_user ON audit(user_key);
+CREATE TABLE audit_change(
+    audit INTEGER NOT NULL REFERENCES audit(id),
+    seq INTEGER NOT NULL,
+    attribute TEXT NOT NULL,
+    old_value TEXT NOT NULL,
+    new_value TEXT NOT NULL,
+    PRIMARY KEY(audit, seq));
+)SQL";
+
+// One use of a cached statement: binds, steps, and resets it on the way out.
+class Query {
+public:
+    Query(SqliteStore& store, const char* sql) : store_(store) {
+        stmt_ = store.Statement(sql, &status_);
+    }
+    ~Query() {
+        if (stmt_) {
+            sqlite3_reset(stmt_);
+            sqlite3_clear_bindings(stmt_);
+        }
+    }
+    bool ok() const { return stmt_ != nullptr; }
+    const Status& status() const { return status_; }
+    Query& Bind(int i, std::string_view text) {
+        sqlite3_bind_text(stmt_, i, text.data(), static_cast<int>(text.size()), SQLITE_TRANSIENT);
+        return *this;
+    }
+    Query& Bind(int i, long long n) {
+        sqlite3_bind_int64(stmt_, i, n);
+        return *this;
+    }
+    // True while rows come; on failure sets `status`.
+    bool Row(Status* status) {
+        int rc = sqlite3_step(stmt_);
+        if (rc == SQLITE_ROW) return true;
+        if (rc != SQLITE_DONE) *status = store_.Error("query failed");
+        return false;
+    }
+    Status Run() {
+        Status s;
+        while (Row(&s)) {
+        }
+        return s;
+    }
+    std::string Text(int col) const {
+        const unsigned char* t = sqlite3_column_text(stmt_, col);
+        return t ? std::string(reinterpret_cast<const char*>(t),
+                               static_cast<size_t>(sqlite3_column_bytes(stmt_, col)))
+                 : std::string();
+    }
+    long long Int(int col) const { return sqlite3_column_int64(stmt_, col); }
+
+private:
+    SqliteStore& store_;
+    sqlite3_stmt* stmt_ = nullptr;
+    Status status_;
+};
+
+class SqliteTransaction : public StoreWriter {
+public:
+    explicit SqliteTransaction(SqliteStore& store) : store_(store) {}
+
+    Status EntryId(std::string_view dn, long long* id, std::string* storedDn) {
+        Query q(store_, "SELECT id, dn FROM entry WHERE dn_key = ?1");
+        if (!q.ok()) return q.status();
+        q.Bind(1, DnKey(dn));
+        Status s;
+        *id = 0;
+        if (q.Row(&s)) {
+            *id = q.Int(0);
+            if (storedDn) *storedDn = q.Text(1);
+        }
+        return s;
+    }
+
+    Status Get(std::string_view dn, Entry* entry, bool* found) override {
+        long long id = 0;
+        Entry e;
+        Status s = EntryId(dn, &id, &e.dn);
+        *found = s.ok() && id != 0;
+        if (!*found) return s;
+        Query q(store_, "SELECT attr, text FROM value WHERE entry = ?1 ORDER BY id");
+        if (!q.ok()) return q.status();
+        q.Bind(1, id);
+        while (q.Row(&s)) {
+            std::string attr = q.Text(0);
+            EntryAttribute* slot = nullptr;
+            for (EntryAttribute& a : e.attributes)
+                if (EqualsNoCase(a.name, attr)) slot = &a;
+            if (!slot) {
+                e.attributes.push_back({attr, {}});
+                slot = &e.attributes.back();
+            }
+            slot->values.push_back(q.Text(1));
+        }
+        if (s.ok()) *entry = std::move(e);
+        return s;
+    }
+
+    Status FindByValue(std::string_view base, const std::vector<std::string>& attributes,
+                       std::string_view value, std::vector<std::string>* dns) override {
+        dns->clear();
+        std::vector<std::string> keys;
+        Status s;
+        for (const std::string& attribute : attributes) {
+            Query q(store_,
+                    "SELECT e.dn, e.dn_key FROM value v JOIN entry e ON e.id = v.entry "
+                    "WHERE v.attr_key = ?1 AND lower(v.text) = lower(?2) ORDER BY e.id");
+            if (!q.ok()) return q.status();
+            q.Bind(1, Lower(attribute)).Bind(2, value);
+            while (q.Row(&s)) {
+                std::string dn = q.Text(0), key = q.Text(1);
+                if (!IsBelow(dn, base)) continue;
+                bool seen = false;
+                for (const std::string& k : keys) seen = seen || k == key;
+                if (seen) continue;
+                keys.push_back(key);
+                dns->push_back(dn);
+            }
+            if (!s.ok()) return s;
+        }
+        return s;
+    }
+
+    Status IsMember(std::string_view group, std::string_view member, bool* result) override {
+        *result = false;
+        long long id = 0;
+        Status s = EntryId(group, &id, nullptr);
+        if (!s.ok() || id == 0) return s;
+        Query q(store_, "SELECT text FROM value WHERE entry = ?1 AND attr_key = 'member'");
+        if (!q.ok()) return q.status();
+        q.Bind(1, id);
+        std::string key = DnKey(member);
+        while (q.Row(&s))
+            if (DnKey(q.Text(0)) == key) *result = true;
+        return s;
+    }
+
+    Status ListDns(std::vector<std::string>* dns) override {
+        dns->clear();
+        Query q(store_, "SELECT dn FROM entry ORDER BY id");
+        if (!q.ok()) return q.status();
+        Status s;
+        while (q.Row(&s)) dns->push_back(q.Text(0));
+        return s;
+    }
+
+    Status ListAudit(std::string_view user, std::vector<AuditRecord>* records) override {
+        records->clear();
+        Status s;
+        {
+            Query q(store_,
+                    "SELECT id, stamp, administrator, role, user FROM audit "
+                    "WHERE ?1 = '' OR user_key = ?1 ORDER BY id");
+            if (!q.ok()) return q.status();
+            q.Bind(1, user.empty() ? std::string() : DnKey(user));
+            while (q.Row(&s)) {
+                AuditRecord r;
+                r.id = q.Int(0);
+                r.when = static_cast<std::time_t>(q.Int(1));
+                r.administrator = q.Text(2);
+                r.role = q.Text(3);
+                r.user = q.Text(4);
+                records->push_back(r);
+            }
+        }
+        for (AuditRecord& r : *records) {
+            if (!s.ok()) break;
+            Query q(store_,
+                    "SELECT attribute, old_value, new_value FROM audit_change "
+                    "WHERE audit = ?1 ORDER BY seq");
+            if (!q.ok()) return q.status();
+            q.Bind(1, r.id);
+            while (q.Row(&s)) r.changes.push_back({q.Text(0), q.Text(1), q.Text(2)});
+        }
+        return s;
+    }
+
+    Status InsertValues(long long id, std::string_view attribute,
+                        const std::vector<std::string>& values) {
+        for (const std::string& v : values) {
+            Query q(store_, "INSERT INTO value(entry, attr, attr_key, text) VALUES(?1, ?2, ?3, ?4)");
+            if (!q.ok()) return q.status();
+            q.Bind(1, id).Bind(2, attribute).Bind(3, Lower(attribute)).Bind(4, v);
+            Status s = q.Run();
+            if (!s.ok()) return s;
+        }
+        return Status::OK();
+    }
+
+    Status Put(const Entry& entry) override {
+        long long id = 0;
+        Status s = EntryId(entry.dn, &id, nullptr);
+        if (!s.ok()) return s;
+        if (id != 0) {
+            Query del(store_, "DELETE FROM value WHERE entry = ?1");
+            if (!del.ok()) return del.status();
+            if (!(s = del.Bind(1, id).Run()).ok()) return s;
+            Query upd(store_, "UPDATE entry SET dn = ?2 WHERE id = ?1");
+            if (!upd.ok()) return upd.status();
+            if (!(s = upd.Bind(1, id).Bind(2, entry.dn).Run()).ok()) return s;
+        } else {
+            Query ins(store_, "INSERT INTO entry(dn, dn_key) VALUES(?1, ?2)");
+            if (!ins.ok()) return ins.status();
+            if (!(s = ins.Bind(1, entry.dn).Bind(2, DnKey(entry.dn)).Run()).ok()) return s;
+            if (!(s = EntryId(entry.dn, &id, nullptr)).ok()) return s;
+        }
+        for (const EntryAttribute& a : entry.attributes)
+            if (!(s = InsertValues(id, a.name, a.values)).ok()) return s;
+        return Status::OK();
+    }
+
+    Status Replace(std::string_view dn, std::string_view attribute,
+                   const std::vector<std::string>& values) override {
+        long long id = 0;
+        Status s = EntryId(dn, &id, nullptr);
+        if (!s.ok()) return s;
+        if (id == 0) return Status::UpdateFailed("no entry " + std::string(dn));
+        Query del(store_, "DELETE FROM value WHERE entry = ?1 AND attr_key = ?2");
+        if (!del.ok()) return del.status();
+        if (!(s = del.Bind(1, id).Bind(2, Lower(attribute)).Run()).ok()) return s;
+        return InsertValues(id, attribute, values);
+    }
+
+    Status AppendAudit(const AuditRecord& record) override {
+        Status s;
+        {
+            Query q(store_,
+                    "INSERT INTO audit(stamp, administrator, role, user, user_key) "
+                    "VALUES(?1, ?2, ?3, ?4, ?5)");
+            if (!q.ok()) return q.status();
+            q.Bind(1, static_cast<long long>(record.when))
+                .Bind(2, record.administrator)
+                .Bind(3, record.role)
+                .Bind(4, record.user)
+                .Bind(5, DnKey(record.user));
+            if (!(s = q.Run()).ok()) return s;
+        }
+        long long id = 0;
+        {
+            Query q(store_, "SELECT last_insert_rowid()");
+            if (!q.ok()) return q.status();
+            if (q.Row(&s)) id = q.Int(0);
+            if (!s.ok()) return s;
+        }
+        long long seq = 0;
+        for (const AuditChange& c : record.changes) {
+            Query q(store_,
+                    "INSERT INTO audit_change(audit, seq, attribute, old_value, new_value) "
+                    "VALUES(?1, ?2, ?3, ?4, ?5)");
+            if (!q.ok()) return q.status();
+            q.Bind(1, id).Bind(2, ++seq).Bind(3, c.attribute).Bind(4, c.oldValue).Bind(5,
+                                                                                     c.newValue);
+            if (!(s = q.Run()).ok()) return s;
+        }
+        return Status::OK();
+    }
+
+private:
+    SqliteStore& store_;
+};
+
+Status OpenFailure(const std::string& path, const std::string& why) {
+    return Status::Unreachable("directory store " + path + " cannot be opened: " + why);
+}
+
+}  // namespace
+
+SqliteStore::~SqliteStore() {
+    if (!db_) return;
+    for (auto& [sql, stmt] : statements_) sqlite3_finalize(stmt);
+    sqlite3_close_v2(db_);
+}
+
+Status SqliteStore::Error(const std::string& what) const {
+    int code = sqlite3_errcode(db_);
+    std::string text = "directory store " + path_ + ": " + what + ": " + sqlite3_errmsg(db_);
+    if (code == SQLITE_BUSY || code == SQLITE_LOCKED)
+        return Status::Unreachable("directory store " + path_ + " is locked: " +
+                                   sqlite3_errmsg(db_));
+    if (code == SQLITE_CONSTRAINT) return Status::UpdateFailed(text);
+    return Status::Unreachable(text);
+}
+
+sqlite3_stmt* SqliteStore::Statement(const char* sql, Status* status) {
+    auto it = statements_.find(sql);
+    if (it != statements_.end()) return it->second;
+    sqlite3_stmt* stmt = nullptr;
+    if (sqlite3_prepare_v3(db_, sql, -1, SQLITE_PREPARE_PERSISTENT, &stmt, nullptr) != SQLITE_OK) {
+        *status = Error("cannot prepare a query");
+        return nullptr;
+    }
+    statements_[sql] = stmt;
+    return stmt;
+}
+
+Status SqliteStore::Exec(const char* sql) {
+    if (sqlite3_exec(db_, sql, nullptr, nullptr, nullptr) != SQLITE_OK) return Error("failed");
+    return Status::OK();
+}
+
+void SqliteStore::SetBusyTimeout(int ms) { sqlite3_busy_timeout(db_, ms); }
+
+Status SqliteStore::Open(const std::string& path, int busyTimeoutMs,
+                         std::unique_ptr<SqliteStore>* store) {
+    struct stat st{};
+    if (::stat(path.c_str(), &st) != 0) return OpenFailure(path, "no such file");
+    if (::access(path.c_str(), R_OK | W_OK) != 0)
+        return OpenFailure(path, "not readable and writable by this process");
+    sqlite3* db = nullptr;
+    int rc = sqlite3_open_v2(path.c_str(), &db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX,
+                             nullptr);
+    if (rc != SQLITE_OK) {
+        std::string why = db ? sqlite3_errmsg(db) : "out of memory";
+        sqlite3_close_v2(db);
+        return OpenFailure(path, why);
+    }
+    std::unique_ptr<SqliteStore> s(new SqliteStore(path, db));
+    s->SetBusyTimeout(busyTimeoutMs);
+    // One look at the header: our application id and schema version.
+    Status status;
+    {
+        Query q(*s, "SELECT (SELECT application_id FROM pragma_application_id), "
+                    "(SELECT user_version FROM pragma_user_version)");
+        if (!q.ok()) return OpenFailure(path, sqlite3_errmsg(db));
+        if (!q.Row(&status)) return OpenFailure(path, sqlite3_errmsg(db));
+        if (q.Int(0) != kApplicationId) return OpenFailure(path, "not an LXR directory store");
+        if (q.Int(1) != kSchemaVersion)
+            return OpenFailure(path, "schema version " + std::to_string(q.Int(1)) +
+                                         ", this library reads version " +
+                                         std::to_string(kSchemaVersion));
+    }
+    *store = std::move(s);
+    return Status::OK();
+}
+
+Status SqliteStore::Create(const std::string& path, std::unique_ptr<SqliteStore>* store) {
+    struct stat st{};
+    if (::stat(path.c_str(), &st) == 0) return Status::UpdateFailed(path + " already exists");
+    sqlite3* db = nullptr;
+    int rc = sqlite3_open_v2(path.c_str(), &db,
+                             SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX,
+                             nullptr);
+    if (rc != SQLITE_OK) {
+        std::string why = db ? sqlite3_errmsg(db) : "out of memory";
+        sqlite3_close_v2(db);
+        return Status::Unreachable("directory store " + path + " cannot be created: " + why);
+    }
+    std::unique_ptr<SqliteStore> s(new SqliteStore(path, db));
+    std::string setup = std::string("PRAGMA journal_mode=WAL; BEGIN; ") + kSchema +
+                        "PRAGMA application_id=" + std::to_string(kApplicationId) +
+                        "; PRAGMA user_version=" + std::to_string(kSchemaVersion) + "; COMMIT;";
+    Status status = s->Exec(setup.c_str());
+    if (!status.ok()) return status;
+    s->SetBusyTimeout(5000);
+    *store = std::move(s);
+    return Status::OK();
+}
+
+Status SqliteStore::RunTransaction(const char* begin, const std::function<Status()>& body) {
+    if (!db_) return Status::Unreachable("directory store " + path_ + " is closed");
+    Status s = Exec(begin);
+    if (!s.ok()) return s;
+    s = body();
+    if (s.ok()) s = Exec("COMMIT");
+    if (!s.ok() && !sqlite3_get_autocommit(db_)) sqlite3_exec(db_, "ROLLBACK", nullptr, nullptr, nullptr);
+    return s;
+}
+
+Status SqliteStore::Read(const std::function<Status(StoreReader&)>& body) {
+    SqliteTransaction tx(*this);
+    return RunTransaction("BEGIN", [&] { return body(tx); });
+}
+
+Status SqliteStore::Write(const std::function<Status(StoreWriter&)>& body) {
+    SqliteTransaction tx(*this);
+    return RunTransaction("BEGIN IMMEDIATE", [&] { return body(tx); });
+}
+
+namespace {
+struct OpenStores {
+    std::mutex mutex;
+    pid_t pid = 0;
+    std::map<std::string, std::unique_ptr<SqliteStore>> stores;
+};
+OpenStores& Opened() {
+    static OpenStores* opened = new OpenStores;  // never destroyed: used until exit
+    return *opened;
+}
+}  // namespace
+
+Status SqliteStoreProvider::Open(const std::string& path, Store** store) {
+    OpenStores& o = Opened();
+    std::lock_guard<std::mutex> lock(o.mutex);
+    if (o.pid != getpid()) {
+        for (auto& [p, s] : o.stores) s->Abandon();
+        o.stores.clear();
+        o.pid = getpid();
+    }
+    auto it = o.stores.find(path);
+    if (it == o.stores.end()) {
+        std::unique_ptr<SqliteStore> opened;
+        Status s = SqliteStore::Open(path, busyTimeoutMs_, &opened);
+        if (!s.ok()) return s;
+        it = o.stores.emplace(path, std::move(opened)).first;
+    } else {
+        it->second->SetBusyTimeout(busyTimeoutMs_);
+    }
+    *store = it->second.get();
+    return Status::OK();
+}
+
+void SqliteStoreProvider::CloseAll() {
+    OpenStores& o = Opened();
+    std::lock_guard<std::mutex> lock(o.mutex);
+    if (o.pid != getpid())
+        for (auto& [p, s] : o.stores) s->Abandon();
+    o.stores.clear();
+}
+
+}  // namespace lxrapi

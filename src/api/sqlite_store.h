@@ -1,0 +1,72 @@
+// The embedded directory: a Store in one SQLite file (WAL journal, busy
+// timeout, schema version in user_version). Many CGI processes may use one
+// file at once: writers take the write lock first (BEGIN IMMEDIATE) and read
+// the entry again inside their transaction, so that concurrent changes to
+// different attributes are all kept.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+
+#include "store.h"
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace lxrapi {
+
+class SqliteStore : public Store {
+public:
+    // The schema this code reads and writes.
+    static constexpr int kSchemaVersion = 1;
+
+    ~SqliteStore() override;
+
+    // Opens an existing store for reading and writing. A missing, unreadable
+    // or foreign file fails with kUnreachable and a message naming it.
+    static Status Open(const std::string& path, int busyTimeoutMs,
+                       std::unique_ptr<SqliteStore>* store);
+    // Creates a new, empty store; fails if the file exists.
+    static Status Create(const std::string& path, std::unique_ptr<SqliteStore>* store);
+
+    Status Read(const std::function<Status(StoreReader&)>& body) override;
+    Status Write(const std::function<Status(StoreWriter&)>& body) override;
+    const std::string& name() const override { return path_; }
+
+    void SetBusyTimeout(int ms);
+
+    // Leaves the connection open without closing it: for a child process
+    // after fork, which must neither use nor close its parent's connection.
+    void Abandon() { db_ = nullptr; }
+
+    // The statement for `sql`, prepared once per connection (the text's
+    // address is the key, so pass string literals).
+    sqlite3_stmt* Statement(const char* sql, Status* status);
+    Status Error(const std::string& what) const;
+
+private:
+    SqliteStore(std::string path, sqlite3* db) : path_(std::move(path)), db_(db) {}
+    Status Exec(const char* sql);
+    Status RunTransaction(const char* begin, const std::function<Status()>& body);
+
+    std::string path_;
+    sqlite3* db_;
+    std::map<const char*, sqlite3_stmt*> statements_;
+};
+
+// Opens each store file once per process and keeps it open, so that repeated
+// calls in one process (benchmarks, long-running hosts) pay for opening once.
+// A child process after fork opens its own connections.
+class SqliteStoreProvider : public StoreProvider {
+public:
+    explicit SqliteStoreProvider(int busyTimeoutMs) : busyTimeoutMs_(busyTimeoutMs) {}
+    Status Open(const std::string& path, Store** store) override;
+    // Closes every store this process has opened (tests remove their files).
+    static void CloseAll();
+
+private:
+    int busyTimeoutMs_;
+};
+
+}  // namespace lxrapi

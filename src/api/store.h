@@ -1,0 +1,100 @@
+// The directory behind the API. A Store holds entries (a DN and named,
+// multi-valued attributes) and the audit trail of applied writes. Every access
+// runs inside a transaction: Read for consistent views, Write for changes that
+// apply all or nothing. Implementations: SqliteStore (embedded directory) and
+// MemoryStore (tests); an LDAP store can take the same place.
+#pragma once
+
+#include <ctime>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "status.h"
+
+namespace lxrapi {
+
+struct EntryAttribute {
+    std::string name;                 // as stored (case kept)
+    std::vector<std::string> values;  // in stored order, never empty
+};
+
+struct Entry {
+    std::string dn;
+    std::vector<EntryAttribute> attributes;
+
+    // The attribute named `name` (without regard to case), or null.
+    const EntryAttribute* Find(std::string_view name) const;
+    // Its values, or none.
+    std::vector<std::string> Values(std::string_view name) const;
+    // Its first value, or "".
+    std::string First(std::string_view name) const;
+    // Replaces the values (an empty list removes the attribute).
+    void Set(std::string_view name, std::vector<std::string> values);
+};
+
+// One changed attribute (or group membership) of an audited write.
+struct AuditChange {
+    std::string attribute;  // attribute name, or "group " + group DN
+    std::string oldValue;   // values joined by "\n"; "(redacted)" for passwords
+    std::string newValue;
+};
+
+struct AuditRecord {
+    long long id = 0;  // assigned by the store
+    std::time_t when = 0;
+    std::string administrator;  // the administrator's DN
+    std::string role;
+    std::string user;  // the user's DN
+    std::vector<AuditChange> changes;
+};
+
+// Reading inside a transaction. All lookups compare DNs by DnKey.
+class StoreReader {
+public:
+    virtual ~StoreReader() = default;
+    // Fills `entry` and sets `found`; an absent entry is not an error.
+    virtual Status Get(std::string_view dn, Entry* entry, bool* found) = 0;
+    // DNs below `base` with a value of one of `attributes` equal to `value`
+    // (ASCII case folded), each once, in store order.
+    virtual Status FindByValue(std::string_view base, const std::vector<std::string>& attributes,
+                               std::string_view value, std::vector<std::string>* dns) = 0;
+    // True when the entry `group` exists and lists `member` in its "member" values.
+    virtual Status IsMember(std::string_view group, std::string_view member, bool* result) = 0;
+    // Every entry's DN, in store order.
+    virtual Status ListDns(std::vector<std::string>* dns) = 0;
+    // The audit records, oldest first; with a non-empty `user`, only that user's.
+    virtual Status ListAudit(std::string_view user, std::vector<AuditRecord>* records) = 0;
+};
+
+class StoreWriter : public StoreReader {
+public:
+    // Adds the entry, or replaces an entry of the same DN whole.
+    virtual Status Put(const Entry& entry) = 0;
+    // Replaces one attribute's values of an existing entry; none removes it.
+    virtual Status Replace(std::string_view dn, std::string_view attribute,
+                           const std::vector<std::string>& values) = 0;
+    virtual Status AppendAudit(const AuditRecord& record) = 0;
+};
+
+class Store {
+public:
+    virtual ~Store() = default;
+    // Runs `body` in a read transaction.
+    virtual Status Read(const std::function<Status(StoreReader&)>& body) = 0;
+    // Runs `body` in a write transaction, committed only when it returns OK.
+    // Writers are serialised; a writer sees every write committed before it.
+    virtual Status Write(const std::function<Status(StoreWriter&)>& body) = 0;
+    // The name used in messages (the file path).
+    virtual const std::string& name() const = 0;
+};
+
+// Finds the store of `path` for this process (opening it once, lazily).
+class StoreProvider {
+public:
+    virtual ~StoreProvider() = default;
+    virtual Status Open(const std::string& path, Store** store) = 0;
+};
+
+}  // namespace lxrapi

@@ -1,0 +1,125 @@
+#include "update_document.h"
+
+namespace lxrapi {
+
+namespace {
+
+class Cursor {
+public:
+    explicit Cursor(std::string_view text) : text_(text) {}
+
+    void SkipBlanks() {
+        while (pos_ < text_.size() &&
+               (text_[pos_] == ' ' || text_[pos_] == '\t' || text_[pos_] == '\r' ||
+                text_[pos_] == '\n'))
+            ++pos_;
+    }
+    bool Peek(std::string_view literal) const { return text_.substr(pos_, literal.size()) == literal; }
+    bool Consume(std::string_view literal) {
+        if (!Peek(literal)) return false;
+        pos_ += literal.size();
+        return true;
+    }
+    // Text up to (not including) `end`, which is consumed too.
+    bool Until(std::string_view end, std::string* out) {
+        size_t at = text_.find(end, pos_);
+        if (at == std::string_view::npos) return false;
+        out->assign(text_.substr(pos_, at - pos_));
+        pos_ = at + end.size();
+        return true;
+    }
+    bool AtEnd() const { return pos_ >= text_.size(); }
+
+    Status Fail(const std::string& expected) const {
+        return Status::BadRequest("update document: expected " + expected + " at offset " +
+                                  std::to_string(pos_));
+    }
+
+private:
+    std::string_view text_;
+    size_t pos_ = 0;
+};
+
+// name="..." member="..." in either order, then "/>".
+Status ReadGroup(Cursor& c, GroupUpdate* g) {
+    bool haveName = false, haveMember = false;
+    while (!c.Consume("/>")) {
+        if (!haveName && c.Consume("name=\"")) {
+            if (!c.Until("\"", &g->name)) return c.Fail("the end of the group name");
+            haveName = true;
+        } else if (!haveMember && c.Consume("member=\"")) {
+            if (!c.Until("\"", &g->member)) return c.Fail("the end of the member value");
+            haveMember = true;
+        } else {
+            return c.Fail(haveName && haveMember ? "\"/>\"" : "name=\" or member=\"");
+        }
+        c.SkipBlanks();
+    }
+    if (!haveName || !haveMember) return c.Fail("a Group with both name and member");
+    return Status::OK();
+}
+
+Status ReadAttribute(Cursor& c, AttributeUpdate* a) {
+    if (!c.Consume("name=\"") || !c.Until("\"", &a->name)) return c.Fail("name=\"...\"");
+    c.SkipBlanks();
+    if (c.Consume("/>")) {
+        a->selfClosing = true;
+        return Status::OK();
+    }
+    if (!c.Consume(">")) return c.Fail("\">\" or \"/>\"");
+    for (;;) {
+        c.SkipBlanks();
+        if (c.Consume("</Attribute>")) return Status::OK();
+        if (c.Consume("<Value/>")) {
+            a->values.emplace_back();
+        } else if (c.Consume("<Value>")) {
+            std::string value;
+            if (!c.Until("</Value>", &value)) return c.Fail("\"</Value>\"");
+            a->values.push_back(std::move(value));
+        } else {
+            return c.Fail("<Value>, <Value/> or </Attribute>");
+        }
+    }
+}
+
+}  // namespace
+
+Status ParseUpdateDocument(std::string_view text, UpdateDocument* document) {
+    *document = UpdateDocument();
+    Cursor c(text);
+    c.SkipBlanks();
+    if (c.Peek("<?xml")) {
+        std::string declaration;
+        if (!c.Until("?>", &declaration)) return c.Fail("the end of the XML declaration");
+        c.SkipBlanks();
+    }
+    if (!c.Consume("<User")) return c.Fail("<User");
+    c.SkipBlanks();
+    if (!c.Consume("name=\"") || !c.Until("\"", &document->userDn))
+        return c.Fail("name=\"...\" in <User>");
+    c.SkipBlanks();
+    if (!c.Consume(">")) return c.Fail("\">\" after the user name");
+    for (;;) {
+        c.SkipBlanks();
+        if (c.Consume("</User>")) break;
+        Status s;
+        if (c.Consume("<Group")) {
+            c.SkipBlanks();
+            document->groups.emplace_back();
+            s = ReadGroup(c, &document->groups.back());
+        } else if (c.Consume("<Attribute")) {
+            c.SkipBlanks();
+            document->attributes.emplace_back();
+            s = ReadAttribute(c, &document->attributes.back());
+        } else {
+            s = c.Fail("<Group, <Attribute or </User>");
+        }
+        if (!s.ok()) return s;
+    }
+    c.SkipBlanks();
+    if (!c.AtEnd()) return c.Fail("the end of the document after </User>");
+    if (document->userDn.empty()) return Status::BadRequest("update document: the user name is empty");
+    return Status::OK();
+}
+
+}  // namespace lxrapi
