@@ -1,0 +1,86 @@
+#include "html/errors.h"
+
+#include <cstring>
+#include <string>
+
+#include "cgi/response.h"
+#include "html/page.h"
+#include "html/page_text.h"
+#include "i18n/language.h"
+#include "platform/formatter.h"
+
+namespace {
+
+// Writes the bytes from `text` to its end with only "<" and ">" escaped:
+// "&" stays, so entities in the document show as the API sent them.
+void WriteMarkupAsText(const char* text) {
+    std::string out;
+    for (const char* p = text ? text : ""; *p; ++p) {
+        if (*p == '<') {
+            out += "&lt;";
+        } else if (*p == '>') {
+            out += "&gt;";
+        } else {
+            out += *p;
+        }
+    }
+    prtFormatter.printf("%s", out);
+}
+
+void StandardHead() {
+    HTMLHeader("KV-LXR-12060", "LXR Administration Service", "KV-LXR-12060",
+               "LXR Administration Service", false);
+}
+
+}  // namespace
+
+void DoError(const char* message, const char* returnURL) {
+    prtFormatter.printf("<SCRIPT LANGUAGE=\"JavaScript\">\n");
+    prtFormatter.printf("<!--\n");
+    prtFormatter.printf("      alert(\"%s\");\n", message);
+    prtFormatter.printf("      window.history.back()\n");
+    prtFormatter.printf("//-->\n");
+    prtFormatter.printf("</SCRIPT>\n");
+    prtFormatter.printf("<noscript>\n");
+    prtFormatter.printf("<span align=\"center\">\n");
+    prtFormatter.printf("<h1>%s</h1><br>\n", message);
+    if (returnURL != nullptr) {
+        html::PageText back(LangWithID, "KV-LXR-12013", "Click here to return.");
+        prtFormatter.printf("<a href=\"%s\">%s</a>\n", returnURL, back.buffer);
+    }
+    prtFormatter.printf("</span>\n");
+    prtFormatter.printf("</noscript>\n");
+}
+
+void DumpXML(const char* xml) {
+    // The key's trailing blank is how the catalogue has always keyed it.
+    html::PageText status(Lang, "KV-LXR-12200 ", "200 OK");
+    HTTPHeader(status.buffer);
+    StandardHead();
+    prtFormatter.printf("<h1>XML Dump</h1>\n");
+    prtFormatter.printf("<hr><pre>\n");
+    WriteMarkupAsText(xml);
+    prtFormatter.printf("</pre><hr>\n");
+    HTMLFooter();
+}
+
+void InvalidXML(const char* xml, const char* errorPosition) {
+    html::PageText message(LangWithID, "KV-LXR-15000", "Invalid data from LXR API.");
+    // A catalogue may send parse failures to a page of the site's own.
+    if (IsURL(message.buffer)) {
+        Redirect(message.buffer, nullptr, true);
+        return;
+    }
+    html::PageText status(Lang, "KV-LXR-12503", "503 SERVICE UNAVAILABLE");
+    HTTPHeader(status.buffer);
+    StandardHead();
+    // The message itself is not shown: the page shows the document and,
+    // below it, the part from where reading stopped.
+    prtFormatter.printf("<h1>XML Parse Error</h1>\n");
+    prtFormatter.printf("<hr><pre>\n");
+    WriteMarkupAsText(xml);
+    prtFormatter.printf("</pre><hr><pre>\n");
+    WriteMarkupAsText(errorPosition);
+    prtFormatter.printf("</pre><hr>\n");
+    HTMLFooter();
+}

@@ -1,11 +1,21 @@
-// Error and diagnostic pages.
+// Error and diagnostic pages. Texts from the caller and from the API are
+// written as they are; only DumpXML and InvalidXML escape "<" and ">" of the
+// document they show.
 #pragma once
 
-// An error fragment (alert and go back, noscript text, optional link) inside
-// a page whose header and head the caller has written.
+// An error fragment inside a page whose header and head the caller has
+// written: a script that alerts `message` and goes back, and for browsers
+// without scripts the message as a heading with, when `returnURL` is not
+// null, a link to it labelled with KV-LXR-12013 through LangWithID.
 void DoError(const char* message, const char* returnURL);
-// A whole page showing `xml` as text.
+
+// A whole page ("KV-LXR-12200 " status) showing `xml` as text, "<" and ">"
+// escaped, "&" not. Header and head are written only if not written yet.
 void DumpXML(const char* xml);
-// A whole page (or a redirect) for a document that could not be read;
-// `errorPosition` points into `xml` where reading stopped.
+
+// For a document that could not be read. When KV-LXR-15000 (LangWithID)
+// translates to a URL, a redirect to it; otherwise a whole page with the
+// KV-LXR-12503 status showing `xml` and then the text from `errorPosition`
+// (a pointer into `xml`; null shows nothing) to the end. The message itself
+// is not shown on the page. Header and head are written only if not yet.
 void InvalidXML(const char* xml, const char* errorPosition);

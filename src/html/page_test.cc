@@ -1,0 +1,506 @@
+#include "html/page.h"
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "fields/field_model.h"
+#include "html/testing/capture.h"
+#include "html/testing/translators.h"
+
+namespace {
+
+// 2005-01-05 10:20:30 UTC, a Wednesday.
+const time_t kRequestTime = 1104920430;
+
+// Runs each test in a fresh empty working directory (the stylesheet file is
+// looked up there), with the head not yet written and default texts.
+class PageTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        char dir[] = "/tmp/lxr-page-test-XXXXXX";
+        ASSERT_NE(::mkdtemp(dir), nullptr);
+        dir_ = dir;
+        char cwd[4096];
+        ASSERT_NE(::getcwd(cwd, sizeof cwd), nullptr);
+        oldDir_ = cwd;
+        ASSERT_EQ(::chdir(dir_.c_str()), 0);
+        lxrtest::UseDefaultTranslators();
+        bOutputHTMLHeader = false;
+        Now = kRequestTime;
+        tagDisabled = "User will not be able to login";
+    }
+    void TearDown() override {
+        ::unlink((dir_ + "/LXRAdmin.css").c_str());
+        EXPECT_EQ(::chdir(oldDir_.c_str()), 0);
+        ::rmdir(dir_.c_str());
+    }
+    void CreateStyleSheetFile() { std::ofstream(dir_ + "/LXRAdmin.css") << ".X { }\n"; }
+
+    static std::string Head() {
+        return lxrtest::CaptureStdout([] {
+            HTMLHeader("KV-LXR-12076", "PAGE_TITLE", "KV-LXR-12060", "LXR Administration Service",
+                       true);
+        });
+    }
+
+    std::string dir_;
+    std::string oldDir_;
+};
+
+// The script between "<!--\n" and "//-->\n" of the first script element.
+std::string ScriptOf(const std::string& page) {
+    const std::string open = "<SCRIPT LANGUAGE=\"JavaScript\">\n<!--\n";
+    size_t start = page.find(open);
+    if (start == std::string::npos) return "";
+    start += open.size();
+    size_t end = page.find("//-->\n</SCRIPT>", start);
+    return end == std::string::npos ? "" : page.substr(start, end - start);
+}
+
+std::vector<std::string> Lines(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);) lines.push_back(line);
+    return lines;
+}
+
+TEST(DefaultStylesTest, EveryRuleAsPublished) {
+    struct Rule {
+        const char* name;
+        const char* declarations;
+    };
+    const char* inset =
+        "background-color: #c0c0c0; border-left: 1px inset; border-right: 1px inset; "
+        "border-top: 1px inset; border-bottom: 1px inset;";
+    const Rule rules[] = {
+        {".DIALOGBOX", "background-color: #c0c0c0; border-style: outset;"},
+        {".TITLEBOX",
+         "background-color: #000080; border-style: inset; border-left: 1px inset; "
+         "border-right: 1px inset; border-top: 1px inset; border-bottom: 1px inset;"},
+        {".TITLE",
+         "text-align: left; font-family: Arial; vertical-align: middle; white-space: nowrap; "
+         "font-weight: bold; font-size: small; color: #FFFFFF;"},
+        {".SELECTINNERBOX", inset},
+        {".DISPLAYINNERBOX", inset},
+        {".DISPLAYINNERFRAME", "background-color: #c0c0c0;"},
+        {".SECTIONBOX",
+         "background-color: #c0c0c0; vertical-align: middle; border-left: 1px outset; "
+         "border-right: 1px outset; border-top: 1px outset; border-bottom: 1px outset;"},
+        {".SECTION",
+         "font-family: Arial; font-weight: bold; font-size: medium; white-space: nowrap; "
+         "text-align: center;"},
+        {".PROMPT", "white-space: nowrap; text-align: left; font-weight: bold;"},
+        {".INNERPROMPTRO", "white-space: nowrap;"},
+        {".INNERPROMPT", "white-space: nowrap; font-weight: bold;"},
+        {".DISABLEDISPLAY", "white-space: nowrap; text-align: left;"},
+        {".DATADISPLAY", "text-align: left;"},
+        {".INTERSECTION", nullptr},
+        {".INTERFIELD", nullptr},
+        {".GROUPBUTTONS", nullptr},
+        {".GROUPMEMBER", nullptr},
+        {".LOCALLABEL", nullptr},
+        {".HISTORYFRAME", " height: 50;"},
+        {".HISTORYLAYER", " height: 50;  clip: hidden;  overflow: scroll;"},
+        {".STATUSFAILED", "font-weight: bold; color: red;"},
+        {".STATUSSUCCESS", "font-weight: bold; color: green;"},
+    };
+    std::string want;
+    for (const Rule& r : rules) {
+        std::string name = r.name;
+        name += std::string(name.size() < 16 ? 16 - name.size() : 1, ' ');
+        want += name + (r.declarations ? std::string("{ ") + r.declarations + " }" : "{ }") + "\n";
+    }
+    EXPECT_EQ(std::string(DefaultStyles), want);
+}
+
+TEST_F(PageTest, HeadWithInlineStylesIsWrittenOnce) {
+    std::string page = Head();
+    const std::string start =
+        "<html>\n<head>\n<title>LXR Administration Service</title>\n"
+        "<meta name=\"Description\" content=\"PAGE_TITLE\">\n"
+        "<style type=\"text/css\">\n<!--\n" +
+        std::string(DefaultStyles) +
+        "-->\n</style>\n"
+        "<SCRIPT LANGUAGE=\"JavaScript\">\n<!--\nfunction Pad2(x)\n{\n";
+    EXPECT_EQ(page.substr(0, start.size()), start);
+    const std::string end = "}\n//-->\n</SCRIPT>\n</head>\n\n";
+    ASSERT_GE(page.size(), end.size());
+    EXPECT_EQ(page.substr(page.size() - end.size()), end);
+    EXPECT_EQ(page.find("<link"), std::string::npos);
+    EXPECT_TRUE(bOutputHTMLHeader);
+    EXPECT_EQ(Head(), "");
+}
+
+TEST_F(PageTest, HeadLinksTheStyleSheetFileWhenPresent) {
+    CreateStyleSheetFile();
+    std::string page = Head();
+    const std::string link = "<link rel=\"stylesheet\" type=\"text/css\" href=\"./LXRAdmin.css\">";
+    EXPECT_NE(page.find("content=\"PAGE_TITLE\">\n" + link + "\n<SCRIPT"), std::string::npos);
+    EXPECT_EQ(page.find("<style type"), std::string::npos);
+    EXPECT_EQ(page.find(".DIALOGBOX"), std::string::npos);  // not in DocHead either
+    EXPECT_NE(page.find("    W.document.writeln('" + link + "');\n"), std::string::npos);
+}
+
+TEST_F(PageTest, DocHeadWritesEachStyleLineWithoutTheFile) {
+    std::string script = ScriptOf(Head());
+    for (const std::string& line : Lines(DefaultStyles)) {
+        EXPECT_NE(script.find("    W.document.writeln('" + line + "');\n"), std::string::npos)
+            << line;
+    }
+}
+
+TEST_F(PageTest, LibraryFunctionsInOrderAndShape) {
+    std::vector<std::string> names;
+    std::vector<std::string> lines = Lines(ScriptOf(Head()));
+    bool inBody = false;
+    for (size_t i = 0; i < lines.size(); ++i) {
+        const std::string& line = lines[i];
+        if (!inBody) {
+            ASSERT_EQ(line.rfind("function ", 0), 0u) << "line " << i << ": " << line;
+            names.push_back(line.substr(9, line.find('(') - 9));
+            ASSERT_LT(i + 1, lines.size());
+            ASSERT_EQ(lines[++i], "{");
+            inBody = true;
+        } else if (line == "}") {
+            inBody = false;
+        } else {
+            // Body lines are indented by whole levels of four blanks.
+            size_t indent = line.find_first_not_of(' ');
+            EXPECT_TRUE(indent != std::string::npos && indent >= 4 && indent % 4 == 0)
+                << "line " << i << ": " << line;
+        }
+    }
+    EXPECT_FALSE(inBody);
+    const std::vector<std::string> want = {"Pad2",
+                                           "LogEntry",
+                                           "DateEntry",
+                                           "InvalidDate",
+                                           "Now",
+                                           "GetDate",
+                                           "ConvertDate",
+                                           "DocHead",
+                                           "DocFoot",
+                                           "LocalDate",
+                                           "InsertLocalDate2",
+                                           "CheckDisabled",
+                                           "CheckDisabled3",
+                                           "NowOnly",
+                                           "NumericCheck",
+                                           "CommentChecked",
+                                           "SimpleMove",
+                                           "RadioMove",
+                                           "PasswordCompare"};
+    EXPECT_EQ(names, want);
+}
+
+TEST_F(PageTest, LibraryCarriesTranslatedTextsUnescaped) {
+    lxrtest::UseCatalogue({{"KV-LXR-12047", "janv."},
+                           {"KV-LXR-12083", "mer."},
+                           {"KV-LXR-12059",
+                            "Date d'entr\xc3\xa9"
+                            "e"},
+                           {"KV-LXR-12022", "bgcolor=\"#fff\""}});
+    tagDisabled = "Blocked <b>now</b>";
+    std::string script = ScriptOf(Head());
+    const char* expected[] = {
+        "new Array('janv.', 'Feb', 'Mar', 'Apr', 'May', 'Jun',\n        'Jul', 'Aug',",
+        "alert('[KV-LXR-12059] Date d'entr\xc3\xa9"
+        "e');",  // breaks the script, as required
+        "alert('This field must be blank or contain only digits.');",
+        "alert('[KV-LXR-12016] This field must be blank.');",
+        "alert('When not resetting the password, this field must be blank.');",
+        "alert('When resetting the password, this field cannot be blank.');",
+        "alert('[KV-LXR-15010] New and Confirm passwords do not match!');",
+        "I.title = 'Blocked <b>now</b>';",
+        "var S = LocalDate('mer., 5 janv. 2005 10:20:30 GMT');",
+        "leftmargin=\"0\" topmargin=\"0\" bgcolor=\"#fff\">');",
+    };
+    for (const char* text : expected) EXPECT_NE(script.find(text), std::string::npos) << text;
+}
+
+TEST_F(PageTest, BodyFooterAndFocus) {
+    EXPECT_EQ(lxrtest::CaptureStdout(DoBody), "<body  >\n");
+    lxrtest::UseCatalogue({{"KV-LXR-12023", "<div>Test site</div>"}});
+    EXPECT_EQ(lxrtest::CaptureStdout(DoBody), "<body  >\n<div>Test site</div>\n");
+    EXPECT_EQ(lxrtest::CaptureStdout(HTMLFooter), "</body>\n</html>\n");
+    std::string focus = lxrtest::CaptureStdout(SetFocus);
+    const std::string start =
+        "\n<!-- ************************************************************** -->\n"
+        "<!-- * Set the focus on the first visible, editable input field   * -->\n"
+        "<!-- * on the form.                                               * -->\n"
+        "<!-- ************************************************************** -->\n"
+        "\n<SCRIPT LANGUAGE=\"JavaScript\">\n<!--\n";
+    EXPECT_EQ(focus.substr(0, start.size()), start);
+    const std::string end = "}\n//-->\n</SCRIPT>\n";
+    ASSERT_GE(focus.size(), end.size());
+    EXPECT_EQ(focus.substr(focus.size() - end.size()), end);
+}
+
+// Runs `script` with node; the exit status is 0 when it ran and found nothing
+// wrong, and `output` holds what it printed.
+int RunNode(const std::string& script, const char* tz, std::string& output) {
+    char path[] = "/tmp/lxr-script-XXXXXX.js";
+    int fd = ::mkstemps(path, 3);
+    if (fd < 0) return -1;
+    bool written = ::write(fd, script.data(), script.size()) == static_cast<ssize_t>(script.size());
+    ::close(fd);
+    if (!written) return -1;
+    std::string command = std::string("TZ=") + tz + " node " + path + " 2>&1";
+    FILE* pipe = ::popen(command.c_str(), "r");
+    char chunk[4096];
+    size_t n;
+    while (pipe && (n = std::fread(chunk, 1, sizeof chunk, pipe)) > 0) output.append(chunk, n);
+    int status = pipe ? ::pclose(pipe) : -1;
+    ::unlink(path);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+bool HaveNode() {
+    return std::system("node --version > /dev/null 2>&1") == 0;
+}
+
+// A stand-in for the browser: forms, images and document.write, enough for
+// every library function, then the checks. Prints each failure, exits 1.
+const char* const kHarness = R"JS(
+var alerts = [];
+function alert(text) { alerts.push(text); }
+var written = '';
+var focused = null;
+function El(name, value) {
+    return { name: name, value: value, defaultValue: value, checked: false,
+             focus: function () { focused = name; } };
+}
+var document = {
+    DisplayForm: { elements: {} }, PostForm: { elements: {} }, images: {}, forms: [],
+    write: function (s) { written += s; }
+};
+var failures = [];
+function check(what, got, want) {
+    if (got !== want)
+        failures.push(what + ': got ' + JSON.stringify(got) + ', want ' + JSON.stringify(want));
+}
+function reset() {
+    alerts = []; written = ''; focused = null;
+    document.DisplayForm.elements = {}; document.PostForm.elements = {}; document.images = {};
+}
+function setDate(f, y, m, d, hh, mi, ss, comment) {
+    var E = document.DisplayForm.elements;
+    E[f + '_YEAR'] = El(f + '_YEAR', String(y));
+    E[f + '_MONTH'] = El(f + '_MONTH', String(m));
+    E[f + '_DAY'] = El(f + '_DAY', d < 10 ? '0' + d : String(d));
+    E[f + '_HOUR'] = El(f + '_HOUR', String(hh));
+    E[f + '_MINUTE'] = El(f + '_MINUTE', String(mi));
+    E[f + '_SECOND'] = El(f + '_SECOND', String(ss));
+    E[f + '_COMMENT'] = El(f + '_COMMENT', comment);
+}
+)JS";
+
+const char* const kChecks = R"JS(
+check('Pad2 5', Pad2(5), '05');
+check('Pad2 12', Pad2(12), '12');
+check('Pad2 123', Pad2(123), '123');
+
+var dates = [[2024, 1, 29, false], [2024, 1, 30, false], [2024, 1, 31, false],
+             [2023, 1, 28, false], [2023, 1, 29, true], [1900, 1, 29, false],
+             [2024, 3, 30, false], [2024, 3, 31, true], [2024, 10, 31, true],
+             [2024, 0, 31, false], [2024, 11, 31, false], [2024, 7, 31, false]];
+dates.forEach(function (c) {
+    reset();
+    setDate('D', c[0], c[1], c[2], 0, 0, 0, '');
+    var what = 'InvalidDate ' + c[0] + '-' + c[1] + '-' + c[2];
+    check(what, InvalidDate('D'), c[3]);
+    check(what + ' alerts', alerts.join('|'), c[3] ? '[KV-LXR-12059] This is not a valid date.' : '');
+    check(what + ' focus', focused, c[3] ? 'D_DAY' : null);
+});
+
+reset();
+setDate('D', 2005, 0, 5, 10, 20, 30, '');
+check('GetDate', GetDate('D').getTime(), new Date(2005, 0, 5, 10, 20, 30).getTime());
+check('ConvertDate', ConvertDate('D'), EXPECTED_STAMP);
+setDate('D', 2005, 0, 5, 10, 20, 30, 'on leave');
+check('ConvertDate comment', ConvertDate('D'), EXPECTED_STAMP + ' on leave');
+check('Now', Math.abs(Now().getTime() - Date.now()) < 5000, true);
+
+reset();
+DateEntry('D', 'Thu, 5 Jan 1995 10:20:30 GMT', 'Changed()');
+var selects = written.split('<SELECT').length - 1;
+check('DateEntry lists', selects, 6);
+check('DateEntry closes', written.split('</SELECT>').length - 1, 6);
+var years = written.substring(written.indexOf('_YEAR'), written.indexOf('_HOUR'));
+check('DateEntry first year', /<OPTION VALUE="(\d+)"/.exec(years)[1], '1995');
+check('DateEntry last year', /VALUE="(\d+)"[^<]*<\/OPTION><\/SELECT>/.exec(
+    written.substring(written.indexOf('_YEAR'))) [1], '2049');
+check('DateEntry onChange', written.indexOf('<SELECT NAME="D_MONTH" onChange="Changed()">') >= 0, true);
+var local = new Date('Thu, 5 Jan 1995 10:20:30 GMT');
+check('DateEntry day', written.indexOf('<OPTION VALUE="' + Pad2(local.getDate()) + '" SELECTED>') >= 0, true);
+check('DateEntry month', written.indexOf('<OPTION VALUE="' + local.getMonth() + '" SELECTED>Jan</OPTION>') >= 0, true);
+check('DateEntry selected', written.split(' SELECTED').length - 1, 6);
+reset();
+DateEntry('E', '', 'x');
+check('DateEntry empty year', /_YEAR[^>]*><OPTION VALUE="(\d+)" SELECTED/.exec(written)[1],
+      String(new Date().getFullYear()));
+check('DateEntry empty day', written.indexOf('<OPTION VALUE="01" SELECTED>01</OPTION>') >= 0, true);
+
+reset();
+var W = { document: { text: '', write: function (s) { this.text += s; },
+                      writeln: function (s) { this.text += s + '\n'; } } };
+LogEntry(W, 'Wed, 5 Jan 2005 10:20:30 GMT', 'OK', '10.0.0.1', 'via web');
+check('LogEntry', W.document.text, LOG_ENTRY);
+W.document.text = '';
+DocHead(W);
+check('DocHead start', W.document.text.indexOf('<html><head>\n<style>\n<!--\n') == 0, true);
+check('DocHead end', W.document.text.indexOf(
+    '-->' + '</style>\n</head>\n<body class="DISPLAYINNERFRAME" leftmargin="0" topmargin="0"  >\n') > 0, true);
+W.document.text = '';
+DocFoot(W);
+check('DocFoot', W.document.text, '</body></html>\n');
+
+check('LocalDate', LocalDate('Wed, 5 Jan 2005 10:20:30 GMT'),
+      new Date(Date.UTC(2005, 0, 5, 10, 20, 30)).toLocaleString());
+reset();
+InsertLocalDate2('Wed, 5 Jan 2005 10:20:30 GMT');
+check('InsertLocalDate2', written, INSERTED_DATE);
+
+reset();
+document.images['GROUP-g_IMAGE'] = { src: '', title: 'x' };
+document.DisplayForm.elements['GROUP-g'] = El('GROUP-g', '1');
+document.DisplayForm.elements['GROUP-g'].checked = true;
+check('CheckDisabled result', CheckDisabled('g'), true);
+check('CheckDisabled src', document.images['GROUP-g_IMAGE'].src, '../korvelagent/dmspages/Disabled.gif');
+check('CheckDisabled title', document.images['GROUP-g_IMAGE'].title, 'User will not be able to login');
+document.DisplayForm.elements['GROUP-g'].checked = false;
+CheckDisabled('g');
+check('CheckDisabled off src', document.images['GROUP-g_IMAGE'].src, '../korvelagent/dmspages/Blank.gif');
+check('CheckDisabled off title', document.images['GROUP-g_IMAGE'].title, '');
+[[1, 'Disabled.gif', 'User will not be able to login'], [2, 'Blank.gif', ''],
+ [0, 'Unknown.gif', ''], [7, 'Unknown.gif', '']].forEach(function (c) {
+    check('CheckDisabled3 ' + c[0], CheckDisabled3('g', c[0]), true);
+    check('CheckDisabled3 src ' + c[0], document.images['GROUP-g_IMAGE'].src, '../korvelagent/dmspages/' + c[1]);
+    check('CheckDisabled3 title ' + c[0], document.images['GROUP-g_IMAGE'].title, c[2]);
+});
+
+reset();
+var E = document.DisplayForm.elements;
+E['N'] = El('N', ''); E['N_COUNT'] = El('N_COUNT', '3'); E['N_DATE'] = El('N_DATE', 'then');
+E['N'].checked = true;
+NowOnly('N');
+check('NowOnly count', E['N_COUNT'].value, '0');
+check('NowOnly date', E['N_DATE'].value, new Date(Date.UTC(2005, 0, 5, 10, 20, 30)).toLocaleString());
+E['N'].checked = false;
+NowOnly('N');
+check('NowOnly back count', E['N_COUNT'].value, '3');
+check('NowOnly back date', E['N_DATE'].value, 'then');
+
+[['', false], ['0123456789', false], ['12a', true], ['-1', true], [' 1', true]].forEach(function (c) {
+    reset();
+    var F = El('F', c[0]);
+    check('NumericCheck ' + c[0], NumericCheck(F), c[1]);
+    check('NumericCheck alert ' + c[0], alerts.join('|'), c[1] ? 'This field must be blank or contain only digits.' : '');
+    check('NumericCheck focus ' + c[0], focused, c[1] ? 'F' : null);
+});
+
+[[true, 'x', true], [true, '', false], [false, 'x', false]].forEach(function (c) {
+    reset();
+    check('CommentChecked ' + c, CommentChecked(c[0], El('C', c[1])), c[2]);
+    check('CommentChecked alert ' + c, alerts.join('|'), c[2] ? '[KV-LXR-12016] This field must be blank.' : '');
+});
+
+[['', '', false, ''],
+ ['', 'x', true, 'When not resetting the password, this field must be blank.'],
+ ['x', '', true, 'When resetting the password, this field cannot be blank.'],
+ ['x', 'y', true, '[KV-LXR-15010] New and Confirm passwords do not match!'],
+ ['x', 'x', false, '']].forEach(function (c) {
+    reset();
+    document.DisplayForm.elements['P'] = El('P', c[0]);
+    document.DisplayForm.elements['P_CONFIRM'] = El('P_CONFIRM', c[1]);
+    check('PasswordCompare ' + c, PasswordCompare('P'), c[2]);
+    check('PasswordCompare alert ' + c, alerts.join('|'), c[3]);
+    check('PasswordCompare focus ' + c, focused, c[2] ? 'P_CONFIRM' : null);
+});
+
+reset();
+document.DisplayForm.elements['S'] = El('S', 'value');
+document.PostForm.elements['S'] = El('S', '');
+SimpleMove('S');
+check('SimpleMove', document.PostForm.elements['S'].value, 'value');
+
+reset();
+var R = [El('R', 'first'), El('R', 'second'), El('R', 'third')];
+document.DisplayForm.elements['R'] = R;
+document.PostForm.elements['R'] = El('R', 'kept');
+RadioMove('R', 3);
+check('RadioMove none', document.PostForm.elements['R'].value, 'kept');
+R[1].checked = true; R[2].checked = true;
+RadioMove('R', 3);
+check('RadioMove first checked', document.PostForm.elements['R'].value, 'second');
+R[1].checked = false;
+RadioMove('R', 2);
+check('RadioMove counts', document.PostForm.elements['R'].value, 'second');
+
+if (failures.length) {
+    console.log(failures.join('\n'));
+    process.exit(1);
+}
+console.log('ok');
+)JS";
+
+std::string Replace(std::string text, const std::string& from, const std::string& to) {
+    for (size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
+        text.replace(at, from.size(), to);
+    return text;
+}
+
+TEST_F(PageTest, ScriptLibraryWorksInNode) {
+    if (!HaveNode()) GTEST_SKIP() << "node not installed";
+    std::string library = ScriptOf(Head());
+    ASSERT_FALSE(library.empty());
+    struct Zone {
+        const char* tz;
+        const char* stamp;      // 2005-01-05 10:20:30 local, in UTC
+        const char* localTime;  // 2005-01-05 10:20:30 UTC, local
+    };
+    const Zone zones[] = {{"UTC", "20050105102030Z", "2005-01-05&nbsp;10:20:30"},
+                          {"America/New_York", "20050105152030Z", "2005-01-05&nbsp;05:20:30"},
+                          {"Asia/Tokyo", "20050105012030Z", "2005-01-05&nbsp;19:20:30"}};
+    for (const Zone& z : zones) {
+        std::string checks = Replace(kChecks, "EXPECTED_STAMP", std::string("'") + z.stamp + "'");
+        checks =
+            Replace(checks, "INSERTED_DATE", std::string("'<nobr>") + z.localTime + "</nobr>'");
+        std::string cell = "<td width=\"1%\" valign=\"top\" nowrap><nobr>";
+        checks =
+            Replace(checks, "LOG_ENTRY",
+                    "'<tr>" + cell + z.localTime + "</nobr></td>" + cell + "OK</nobr></td>" + cell +
+                        "10.0.0.1</nobr></td><td valign=\"top\" nowrap><nobr>via web"
+                        "</nobr></td></tr>'");
+        std::string output;
+        EXPECT_EQ(RunNode(kHarness + library + checks, z.tz, output), 0) << "TZ=" << z.tz << "\n"
+                                                                         << output;
+    }
+}
+
+TEST_F(PageTest, FocusScriptFocusesTheFirstEditableElement) {
+    if (!HaveNode()) GTEST_SKIP() << "node not installed";
+    std::string focus = ScriptOf(lxrtest::CaptureStdout(SetFocus));
+    ASSERT_FALSE(focus.empty());
+    std::string script = R"JS(
+var focused = null;
+function E(type, name) { return { type: type, focus: function () { focused = name; } }; }
+var document = { forms: [ { elements: [E('hidden', 'h'), E('submit', 's'), E('button', 'b'),
+                                       E('select-one', 'sel'), E('text', 't')] } ] };
+)JS" + focus + R"JS(
+if (focused !== 'sel') { console.log('focused ' + focused); process.exit(1); }
+document = { forms: [] };
+)JS" + focus;
+    std::string output;
+    EXPECT_EQ(RunNode(script, "UTC", output), 0) << output;
+}
+
+}  // namespace
