@@ -9,6 +9,8 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "cgi/fields.h"
 #include "cgi/response.h"
@@ -22,6 +24,8 @@
 namespace pagestest {
 
 using Catalogue = std::map<std::string, std::string>;
+// Request arguments for a table row, copied into Args.
+using FieldMapInit = std::vector<std::pair<std::string, std::string>>;
 
 // A bundle that knows exactly the texts it is given.
 class MapBundle : public CKvXlate {
