@@ -5,7 +5,9 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "i18n/locale_list.h"
@@ -37,24 +39,23 @@ class IcuBundle : public CKvXlate {
 
 const char* IcuBundle::Lookup(const char* key) {
     if (key == nullptr) return nullptr;
-    auto known = texts_.find(key);
-    if (known == texts_.end()) {
-        Text& text = texts_[key];
+    auto [entry, added] = texts_.try_emplace(key);
+    Text& text = entry->second;
+    if (added) {
         UErrorCode status = U_ZERO_ERROR;
         int32_t length = 0;
         const UChar* u = ures_getStringByKey(bundle_, CatalogueKey(key).c_str(), &length, &status);
         if (U_SUCCESS(status) && u != nullptr) {
             int32_t bytes = 0;
-            UErrorCode size = U_ZERO_ERROR;
-            u_strToUTF8(nullptr, 0, &bytes, u, length, &size);
+            UErrorCode measure = U_ZERO_ERROR;
+            u_strToUTF8(nullptr, 0, &bytes, u, length, &measure);
             text.utf8.resize(static_cast<size_t>(bytes));
             status = U_ZERO_ERROR;
             u_strToUTF8(&text.utf8[0], bytes, &bytes, u, length, &status);
-            text.found = U_SUCCESS(status) || status == U_STRING_NOT_TERMINATED_WARNING;
+            text.found = U_SUCCESS(status);  // includes "no room for the terminator"
         }
-        known = texts_.find(key);
     }
-    return known->second.found ? known->second.utf8.c_str() : nullptr;
+    return text.found ? text.utf8.c_str() : nullptr;
 }
 
 bool IsKeyByte(unsigned char c) {
