@@ -1,7 +1,6 @@
 #include "cgi/fields.h"
 
 #include <cerrno>
-#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <vector>

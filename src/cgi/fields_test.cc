@@ -71,11 +71,6 @@ TEST(URLEncodeTest, Table) {
     EXPECT_EQ(URLEncode(nullptr), "");
 }
 
-TEST(URLCodingTest, DecodeUndoesEncodeForAsciiText) {
-    const char* text = "user name/with&odd=chars?%#";
-    EXPECT_EQ(URLDecode(URLEncode(text).c_str()), text);
-}
-
 TEST(AddToFieldsTest, Table) {
     struct Case {
         std::string data;

@@ -4,7 +4,7 @@
 //   lxrtest::UseDefaultTranslators();              // Lang, LangWithID: defaults
 //   lxrtest::UseCatalogue({{"KV-LXR-15000", "/errors/bad.html"}});
 //
-// The translators are leaked on purpose: the program never frees them either.
+// Each call replaces (and frees) the translators the previous call installed.
 #pragma once
 
 #include <map>
@@ -42,9 +42,13 @@ class FakeLanguage : public CLanguage {
 // Sets Lang and LangWithID to translators that know `texts` and give the
 // English default for every other key.
 inline void UseCatalogue(const std::map<std::string, std::string>& texts) {
+    static std::unique_ptr<CLanguage> plain;
+    static std::unique_ptr<CLanguage> withId;
     auto bundle = std::make_shared<FakeBundle>(texts);
-    Lang = new FakeLanguage(false, bundle);
-    LangWithID = new FakeLanguage(true, bundle);
+    plain = std::make_unique<FakeLanguage>(false, bundle);
+    withId = std::make_unique<FakeLanguage>(true, bundle);
+    Lang = plain.get();
+    LangWithID = withId.get();
 }
 
 inline void UseDefaultTranslators() {
