@@ -97,6 +97,7 @@ Status ParseUpdateDocument(std::string_view text, UpdateDocument* document) {
     c.SkipBlanks();
     if (!c.Consume("name=\"") || !c.Until("\"", &document->userDn))
         return c.Fail("name=\"...\" in <User>");
+    if (document->userDn.empty()) return c.Fail("a non-empty user name");
     c.SkipBlanks();
     if (!c.Consume(">")) return c.Fail("\">\" after the user name");
     for (;;) {
@@ -118,7 +119,6 @@ Status ParseUpdateDocument(std::string_view text, UpdateDocument* document) {
     }
     c.SkipBlanks();
     if (!c.AtEnd()) return c.Fail("the end of the document after </User>");
-    if (document->userDn.empty()) return Status::BadRequest("update document: the user name is empty");
     return Status::OK();
 }
 

@@ -1,0 +1,238 @@
+// The C boundary: buffers, result codes and messages, and many processes
+// writing one user at once.
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <fstream>
+#include <regex>
+
+#include "lxrapi.h"
+#include "sqlite_store.h"
+#include "test_support.h"
+
+namespace lxrapi {
+namespace {
+
+constexpr const char* kAdmin = "LDAP://ldap1/uid=lead,ou=admins,o=t";
+constexpr char kGuard = '\x5a';
+
+class ApiTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        store_ = dir_.File("people.db");
+        std::unique_ptr<SqliteStore> s;
+        ASSERT_TRUE(SqliteStore::Create(store_, &s).ok());
+        std::vector<Entry> entries;
+        ASSERT_TRUE(ParseLdif(testing::kDirectoryLdif, "fixture", &entries).ok());
+        ASSERT_TRUE(s->Write([&](StoreWriter& w) {
+                         for (const Entry& e : entries) w.Put(e);
+                         return Status::OK();
+                     }).ok());
+        std::string text = testing::kConfigText;
+        text = std::regex_replace(text, std::regex("/mem/(admins|people)"), "people.db");
+        WriteConfig(text);
+        setenv("LXR_NOW", std::to_string(testing::kNow).c_str(), 1);
+    }
+    void TearDown() override { unsetenv("LXRAPI_CONFIG"); }
+
+    void WriteConfig(const std::string& text) {
+        config_ = dir_.File("api.toml");
+        std::ofstream(config_) << text;
+        setenv("LXRAPI_CONFIG", config_.c_str(), 1);
+    }
+
+    // Calls LXRAdminRead with buffers of the given sizes inside larger ones
+    // filled with guard bytes, and checks that nothing past the sizes changed.
+    int Read(const char* userPath, int replySize, int messageSize) {
+        reply_.assign(replySize + 64, kGuard);
+        message_.assign(messageSize + 64, '\0');
+        std::fill(message_.begin() + messageSize, message_.end(), kGuard);
+        int rc = LXRAdminRead("desk", kAdmin, userPath, reply_.data(), replySize, message_.data(),
+                              messageSize, "LXRAdmin=YES", "EN", "US", nullptr);
+        for (size_t i = replySize; i < reply_.size(); ++i) EXPECT_EQ(reply_[i], kGuard) << i;
+        for (size_t i = messageSize; i < message_.size(); ++i) EXPECT_EQ(message_[i], kGuard) << i;
+        return rc;
+    }
+    int Write(const std::string& body, std::string* message = nullptr) {
+        char text[1024] = {};
+        std::string doc = "<User name=\"uid=ann,ou=people,o=t\">" + body + "</User>";
+        int rc = LXRAdminWrite("desk", kAdmin, doc.c_str(), text, sizeof text, "LXRAdmin=YES",
+                               "EN", "US", nullptr);
+        if (message) *message = text;
+        return rc;
+    }
+    std::string ReadDocument(const char* userPath = "people/ann") {
+        std::vector<char> reply(65536);
+        char message[1024] = {};
+        int rc = LXRAdminRead("desk", kAdmin, userPath, reply.data(), 65535, message,
+                              sizeof message, "LXRAdmin=YES", "EN", "US", nullptr);
+        EXPECT_GE(rc, 0) << message;
+        return reply.data();
+    }
+
+    testing::TempDir dir_;
+    std::string store_, config_;
+    std::vector<char> reply_, message_;
+};
+
+TEST_F(ApiTest, ReadFillsTheReplyAndCountsAttributes) {
+    EXPECT_EQ(Read("people/ann", 65535, 8192), 26);
+    EXPECT_EQ(message_[0], '\0');
+    std::string reply(reply_.data());
+    EXPECT_EQ(reply.rfind("<User name=\"uid=ann,ou=people,o=t\">", 0), 0u);
+    EXPECT_EQ(reply.substr(reply.size() - 8), "</User>\n");
+}
+
+TEST_F(ApiTest, ReplyBufferLimits) {
+    size_t length = ReadDocument().size();
+    int exact = static_cast<int>(length) + 1;
+    EXPECT_EQ(Read("people/ann", exact, 256), 26);
+    EXPECT_EQ(std::strlen(reply_.data()), length);
+    EXPECT_EQ(Read("people/ann", exact - 1, 256), kBufferTooSmall);
+    EXPECT_EQ(reply_[0], '\0');
+    EXPECT_NE(std::string(message_.data()).find("does not fit"), std::string::npos);
+    EXPECT_EQ(Read("people/ann", 1, 256), kBufferTooSmall);
+    EXPECT_EQ(Read("people/ann", 0, 256), kBufferTooSmall);
+
+    char message[64] = {};
+    EXPECT_EQ(LXRAdminRead("desk", kAdmin, "people/ann", nullptr, 100, message, sizeof message,
+                           "", "", "", nullptr),
+              kBufferTooSmall);
+    std::vector<char> reply(100, kGuard);
+    EXPECT_EQ(LXRAdminGetDirectory("desk", reply.data(), 20, message, sizeof message, "", "",
+                                   nullptr),
+              kBufferTooSmall);
+    for (size_t i = 20; i < reply.size(); ++i) EXPECT_EQ(reply[i], kGuard);
+}
+
+TEST_F(ApiTest, MessagesAreCutToTheirBuffer) {
+    EXPECT_EQ(Read("people/nobody-at-all", 4096, 10), kUserUnreadable);
+    EXPECT_EQ(std::strlen(message_.data()), 9u);
+    EXPECT_EQ(std::string(message_.data()), "no user \"");
+    EXPECT_EQ(Read("people/nobody-at-all", 4096, 1), kUserUnreadable);
+    EXPECT_EQ(message_[0], '\0');
+    EXPECT_EQ(Read("people/nobody-at-all", 4096, 0), kUserUnreadable);
+    EXPECT_EQ(LXRAdminRead("desk", kAdmin, "people/x", nullptr, 0, nullptr, 0, nullptr, nullptr,
+                           nullptr, nullptr),
+              kUserUnreadable);
+    EXPECT_EQ(LXRAdminRead(nullptr, nullptr, nullptr, nullptr, 0, nullptr, 0, nullptr, nullptr,
+                           nullptr, nullptr),
+              kAccessDenied);
+}
+
+TEST_F(ApiTest, ConfigurationAndStoreFaultsAreCommunicationErrors) {
+    WriteConfig("[[directory]]\nid = \"d\"\nstore = \"people.db\"\nbase = \"o=t\"\ncolour = 1\n");
+    EXPECT_EQ(Read("people/ann", 4096, 1024), kUnreachable);
+    EXPECT_EQ(std::string(message_.data()), config_ + ":5: unknown key \"colour\" in directory 1");
+    char message[512] = {};
+    EXPECT_EQ(LXRAdminWrite("desk", kAdmin, "<User name=\"x\"></User>", message, sizeof message,
+                            "", "", "", nullptr),
+              kUnreachable);
+    std::vector<char> reply(4096);
+    EXPECT_EQ(LXRAdminGetDirectory("desk", reply.data(), 4096, message, sizeof message, "", "",
+                                   nullptr),
+              kUnreachable);
+
+    setenv("LXRAPI_CONFIG", dir_.File("absent.toml").c_str(), 1);
+    EXPECT_EQ(Read("people/ann", 4096, 1024), kUnreachable);
+    EXPECT_NE(std::string(message_.data()).find("absent.toml"), std::string::npos);
+
+    std::string text = testing::kConfigText;
+    WriteConfig(std::regex_replace(text, std::regex("/mem/(admins|people)"), "gone.db"));
+    EXPECT_EQ(Read("people/ann", 4096, 1024), kUnreachable);
+    EXPECT_NE(std::string(message_.data()).find(dir_.File("gone.db")), std::string::npos)
+        << message_.data();
+}
+
+TEST_F(ApiTest, AWriteShowsInTheNextRead) {
+    std::string message = "unset";
+    EXPECT_EQ(Write("<Attribute name=\"kvlxrDisableUntil\"><Value>FOREVER held &amp; <b></Value>"
+                    "</Attribute>",
+                    &message),
+              0);
+    EXPECT_EQ(message, "");
+    std::string doc = ReadDocument();
+    EXPECT_NE(doc.find("disabled=\"Disabled forever\""), std::string::npos);
+    EXPECT_NE(doc.find("<Value>FOREVER held &amp; <b></Value>"), std::string::npos);
+    EXPECT_EQ(Write("<Attribute name=\"kvlxrDisableUntil\"><Value>soon</Value></Attribute>",
+                    &message),
+              kBadRequest);
+    EXPECT_NE(message.find("kvlxrDisableUntil"), std::string::npos);
+    EXPECT_EQ(LXRAdminWrite("desk", kAdmin, nullptr, nullptr, 0, "", "", "", nullptr), kBadRequest);
+}
+
+TEST_F(ApiTest, ALockedStoreFailsWithoutHalfAWrite) {
+    std::string text = testing::kConfigText;
+    WriteConfig("[store]\nbusy_timeout_ms = 100\n" +
+                std::regex_replace(text, std::regex("/mem/(admins|people)"), "people.db"));
+    sqlite3* other = nullptr;
+    ASSERT_EQ(sqlite3_open(store_.c_str(), &other), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(other, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
+    std::string message;
+    EXPECT_EQ(Write("<Attribute name=\"kvlxrFailureCount\"><Value>0</Value></Attribute>", &message),
+              kUnreachable);
+    EXPECT_NE(message.find("is locked"), std::string::npos) << message;
+    sqlite3_exec(other, "ROLLBACK", nullptr, nullptr, nullptr);
+    sqlite3_close(other);
+    EXPECT_NE(ReadDocument().find("<Value>2 20260530101010Z 10.0.0.5</Value>"), std::string::npos);
+}
+
+// Several processes write different attributes (and different redirect
+// entries) of one user at once; every last write of each must be there.
+TEST_F(ApiTest, ConcurrentWritersLoseNothing) {
+    EXPECT_GE(Read("people/ann", 65535, 1024), 0);  // the parent has a connection open too
+    const char* bodies[] = {
+        "<Attribute name=\"kvlxrFailureCount\"><Value>%d 20260601120000Z</Value></Attribute>",
+        "<Attribute name=\"kvlxrDisableUntil\"><Value>FOREVER round%d</Value></Attribute>",
+        "<Attribute name=\"kvlxrAccountInactivityDays\"><Value>%d days</Value></Attribute>",
+        "<Attribute name=\"kvlxrGenerationalRedirects\"><Value>K3=https://t/%d</Value>"
+        "</Attribute>",
+        "<Attribute name=\"kvlxrGenerationalRedirects\"><Value>K4=https://t/%d</Value>"
+        "</Attribute>",
+        "<Attribute name=\"kvlxrGenerationalRedirects\"><Value>K5=https://t/%d</Value>"
+        "</Attribute>",
+    };
+    constexpr int kRounds = 8;
+    std::vector<pid_t> children;
+    for (const char* body : bodies) {
+        pid_t pid = fork();
+        ASSERT_GE(pid, 0);
+        if (pid == 0) {
+            int failures = 0;
+            for (int round = 1; round <= kRounds; ++round) {
+                char text[512];
+                std::snprintf(text, sizeof text, body, round);
+                std::string message;
+                if (Write(text, &message) != 0) {
+                    ++failures;
+                    std::fprintf(stderr, "writer %d: %s\n", round, message.c_str());
+                }
+            }
+            _exit(failures);
+        }
+        children.push_back(pid);
+    }
+    for (pid_t pid : children) {
+        int status = 0;
+        ASSERT_EQ(waitpid(pid, &status, 0), pid);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "a writer failed";
+    }
+    std::string doc = ReadDocument();
+    for (const char* want :
+         {"<Value>8 20260601120000Z</Value>", "<Value>FOREVER round8</Value>",
+          "<Value>8 days</Value>", "<Value>K3=https://t/8</Value>", "<Value>K4=https://t/8</Value>",
+          "<Value>K5=https://t/8</Value>", "<Value>A=https://a.example/"})
+        EXPECT_NE(doc.find(want), std::string::npos) << want << "\n" << doc;
+    std::unique_ptr<SqliteStore> s;
+    ASSERT_TRUE(SqliteStore::Open(store_, 1000, &s).ok());
+    std::vector<AuditRecord> audit;
+    s->Read([&](StoreReader& r) { return r.ListAudit("", &audit); });
+    EXPECT_EQ(audit.size(), 6u * kRounds);
+    EXPECT_EQ(s->Read([](StoreReader&) { return Status::OK(); }).code(), kOk);
+}
+
+}  // namespace
+}  // namespace lxrapi

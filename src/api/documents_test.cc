@@ -1,0 +1,124 @@
+#include "documents.h"
+
+#include <gtest/gtest.h>
+
+#include "document_checker.h"
+
+namespace lxrapi {
+namespace {
+
+TEST(DocumentsTest, UserDocumentReadsBackUnderTheStrictRules) {
+    GroupConfig locked{"cn=locked,o=t", "#Locked", "Locked by policy"};
+    GroupConfig vpn{"cn=vpn,o=t", "VPN", ""};
+    UserView view;
+    view.dn = "uid=a b,ou=people,o=t";
+    view.disabled = "Disabled forever,Locked by policy";
+    auto add = [&](const char* name, bool read, bool write, bool redisable,
+                   std::vector<std::string> values) {
+        AttributeView a;
+        a.info = FindAttribute(name);
+        a.read = read;
+        a.write = write;
+        a.redisable = redisable;
+        a.values = std::move(values);
+        view.attributes.push_back(a);
+    };
+    add("kvlxrDisableUntil", true, true, false, {"FOREVER <b>x</b> & \"q\" 'a'"});
+    add("kvlxrAccountInactivityDays", true, false, true, {"30 a&amp;b"});
+    add("userPassword", false, true, false, {});
+    add("kvlxrLoginHistory", true, true, false,
+        {"20260530101010Z SUCCESS 10.0.0.5 browser", "20260529101010Z FAILED 10.0.0.6 x>y"});
+    add("kvlxrGenerationalRedirects", true, true, false, {});
+    view.groups.push_back({&locked, true, true, Membership::kMember});
+    view.groups.push_back({&vpn, false, true, Membership::kRestricted});
+    view.groups.push_back({&vpn, true, false, Membership::kNotMember});
+
+    std::string text = WriteUserDocument(view);
+    testing::DocumentChecker checker;
+    testing::CheckedUser user;
+    ASSERT_TRUE(checker.ReadUser(text, &user)) << checker.error << "\n" << text;
+    EXPECT_EQ(user.name, view.dn);
+    EXPECT_EQ(user.disabled, view.disabled);
+    EXPECT_EQ(user.sectionPrompts,
+              (std::vector<std::string>{"#Account Status", "#Password", "#Activity and History",
+                                        "#Redirects", "#Groups"}));
+    ASSERT_EQ(user.attributes.size(), view.attributes.size());
+    for (size_t i = 0; i < user.attributes.size(); ++i) {
+        const AttributeView& want = view.attributes[i];
+        const testing::CheckedAttribute& got = user.attributes[i];
+        EXPECT_EQ(got.name, want.info->name);
+        EXPECT_EQ(got.prompt, want.info->prompt);
+        EXPECT_EQ(got.read, want.read);
+        EXPECT_EQ(got.write, want.write);
+        EXPECT_EQ(got.redisable, want.redisable);
+        EXPECT_EQ(got.values, want.values);
+    }
+    ASSERT_EQ(user.groups.size(), 3u);
+    EXPECT_EQ(user.groups[0].reasoncode, "Locked by policy");
+    EXPECT_EQ(user.groups[0].member, "true");
+    EXPECT_EQ(user.groups[1].member, "restricted");
+    EXPECT_FALSE(user.groups[1].read);
+    EXPECT_EQ(user.groups[2].member, "false");
+    EXPECT_EQ(user.groups[2].reasoncode, "");
+    // The byte forms the reader insists on.
+    EXPECT_NE(text.find("<Group name=\"cn=vpn,o=t\" prompt=\"VPN\" read=\"false\" "
+                        "write=\"true\" member=\"restricted\"/>"),
+              std::string::npos);
+    EXPECT_EQ(text.find("disabled=\"\""), std::string::npos);
+}
+
+TEST(DocumentsTest, UserWithoutAttributesOrDisabledReason) {
+    UserView view;
+    view.dn = "uid=x,o=t";
+    std::string text = WriteUserDocument(view);
+    EXPECT_EQ(text, "<User name=\"uid=x,o=t\">\n</User>\n");
+    testing::DocumentChecker checker;
+    testing::CheckedUser user;
+    EXPECT_TRUE(checker.ReadUser(text, &user)) << checker.error;
+}
+
+TEST(DocumentsTest, DirectoryListCarriesIdentifiersAsText) {
+    DirectoryConfig a, b;
+    a.id = "staff";
+    a.name = "Example Staff";
+    b.id = "p2";
+    b.name = "Partners & Co";
+    std::string text = WriteDirectoryList({&a, &b});
+    testing::DocumentChecker checker;
+    std::vector<std::pair<std::string, std::string>> list;
+    ASSERT_TRUE(checker.ReadDirectories(text, &list)) << checker.error << "\n" << text;
+    ASSERT_EQ(list.size(), 2u);
+    EXPECT_EQ(list[0], std::make_pair(std::string("Example Staff"), std::string("staff")));
+    EXPECT_EQ(list[1].first, "Partners & Co");
+    EXPECT_EQ(list[1].second, "p2");  // no trailing blank or line end in the identifier
+    ASSERT_TRUE(checker.ReadDirectories(WriteDirectoryList({}), &list));
+    EXPECT_TRUE(list.empty());
+}
+
+// The checker itself must refuse what the program's reader refuses.
+TEST(DocumentsTest, CheckerRefusesMalformedDocuments) {
+    const char* bad[] = {
+        "<User name = \"x\"></User>",
+        "<User name=\"\"></User>",
+        "<User name=\"x\"><Attribute name=\"a\" read=\"TRUE\"></Attribute></User>",
+        "<User name=\"x\"><Attribute name=\"a\" read=\"true\" read=\"true\"></Attribute></User>",
+        "<User name=\"x\"><Attribute name=\"a\"/></User>",
+        "<User name=\"x\"><Group name=\"g\" member=\"maybe\"/></User>",
+        "<User name=\"x\"><Group name=\"g\"></User>",
+        "<User name=\"x\"><Section name=\"s\"><Section name=\"t\"></Section></User>",
+        "<User name=\"x\"><Section/></User>",
+        "<User name=\"x\"></User>trailing",
+    };
+    testing::DocumentChecker checker;
+    testing::CheckedUser user;
+    for (const char* text : bad) EXPECT_FALSE(checker.ReadUser(text, &user)) << text;
+    EXPECT_TRUE(checker.ReadUser("<User name=\" x\"><Attribute read=\" true \"><Value>  5 "
+                                 "</Value></Attribute></User>",
+                                 &user))
+        << checker.error;
+    EXPECT_EQ(user.name, "x");
+    EXPECT_EQ(user.attributes[0].values[0], "5 ");
+}
+
+}  // namespace
+}  // namespace lxrapi

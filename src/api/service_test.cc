@@ -1,0 +1,294 @@
+#include "service.h"
+
+#include <gtest/gtest.h>
+
+#include "document_checker.h"
+#include "password.h"
+#include "test_support.h"
+
+namespace lxrapi {
+namespace {
+
+constexpr const char* kLead = "LDAP://ldap1/uid=lead,ou=admins,o=t";
+constexpr const char* kAnn = "uid=ann,ou=people,o=t";
+
+class ServiceTest : public ::testing::Test {
+protected:
+    Status Read(const char* role, const char* admin, const char* userPath, int* count = nullptr) {
+        int n = -1;
+        reply_.clear();
+        Status s = ReadUser(f_.config, f_.stores, role, admin, userPath, &reply_, &n);
+        if (count) *count = n;
+        if (s.ok()) {
+            EXPECT_TRUE(checker_.ReadUser(reply_, &user_)) << checker_.error << reply_;
+        }
+        return s;
+    }
+    Status Write(const std::string& body, const char* role = "desk", const char* dn = kAnn) {
+        return WriteUser(f_.config, f_.stores, role, kLead,
+                         std::string("<User name=\"") + dn + "\">\n" + body + "</User>\n");
+    }
+    std::vector<AuditRecord> Audit() {
+        Store* store = nullptr;
+        f_.stores.Open("/mem/people", &store);
+        std::vector<AuditRecord> records;
+        store->Read([&](StoreReader& r) { return r.ListAudit("", &records); });
+        return records;
+    }
+    const testing::CheckedAttribute* Attr(const char* name) {
+        for (const auto& a : user_.attributes)
+            if (a.name == name) return &a;
+        return nullptr;
+    }
+
+    testing::Fixture f_;
+    testing::DocumentChecker checker_;
+    testing::CheckedUser user_;
+    std::string reply_;
+};
+
+TEST_F(ServiceTest, DirectoryListFollowsTheRole) {
+    std::string reply;
+    ASSERT_TRUE(GetDirectories(f_.config, "desk", &reply).ok());
+    std::vector<std::pair<std::string, std::string>> list;
+    ASSERT_TRUE(checker_.ReadDirectories(reply, &list)) << checker_.error;
+    EXPECT_EQ(list.size(), 2u);
+    ASSERT_TRUE(GetDirectories(f_.config, "reader", &reply).ok());
+    ASSERT_TRUE(checker_.ReadDirectories(reply, &list));
+    ASSERT_EQ(list.size(), 1u);
+    EXPECT_EQ(list[0].second, "people");
+    EXPECT_EQ(GetDirectories(f_.config, "nobody", &reply).code(), kAccessDenied);
+}
+
+TEST_F(ServiceTest, ReadShowsEveryAttributeTheRoleMayRead) {
+    int count = 0;
+    ASSERT_TRUE(Read("desk", kLead, "people/ann", &count).ok());
+    EXPECT_EQ(count, 26);
+    EXPECT_EQ(user_.attributes.size(), 26u);
+    EXPECT_EQ(user_.name, kAnn);
+    EXPECT_EQ(user_.disabled, "");
+    EXPECT_EQ(Attr("kvlxrFailureCount")->values,
+              std::vector<std::string>{"2 20260530101010Z 10.0.0.5"});
+    EXPECT_TRUE(Attr("kvlxrFailureCount")->write);
+    EXPECT_FALSE(Attr("kvlxrLastLogin")->write);  // granted, but not editable
+    EXPECT_EQ(Attr("kvlxrLoginHistory")->values.size(), 2u);
+    EXPECT_TRUE(Attr("userPassword")->write);
+    EXPECT_TRUE(Attr("userPassword")->values.empty());  // never returned
+    EXPECT_TRUE(Attr("kvlxrHistory")->values.empty());  // former hashes stay inside
+    ASSERT_EQ(user_.groups.size(), 2u);
+    EXPECT_EQ(user_.groups[0].member, "false");
+    EXPECT_EQ(user_.groups[0].reasoncode, "Locked by policy");
+    EXPECT_EQ(user_.groups[1].member, "true");
+}
+
+TEST_F(ServiceTest, UsersAreFoundByDnOrByName) {
+    struct Case {
+        const char* path;
+        int code;
+        const char* dnOrMessage;
+    } cases[] = {
+        {"people/ann", kOk, kAnn},
+        {"people/ANN LEE", kOk, kAnn},
+        {"people/UID=Ann, OU=People, O=t", kOk, kAnn},
+        {"/dee", kOk, "uid=dee,ou=other,o=t"},  // no directory: all of the role's
+        {"dee", kOk, "uid=dee,ou=other,o=t"},
+        {"people/Twin", kUserUnreadable, "2 users match \"Twin\""},
+        {"people/zed", kUserUnreadable, "no user \"zed\""},
+        {"people/uid=zed,ou=people,o=t", kUserUnreadable, "uid=zed"},
+        {"other/ann", kUserUnreadable, "no user \"ann\""},
+        {"people/", kUserUnreadable, "no user was named"},
+        {"secret/ann", kAccessDenied, "\"secret\""},
+    };
+    for (const Case& c : cases) {
+        Status s = Read("desk", kLead, c.path);
+        EXPECT_EQ(s.code(), c.code) << c.path << ": " << s.message();
+        if (s.ok()) {
+            EXPECT_EQ(user_.name, c.dnOrMessage);
+        } else {
+            EXPECT_NE(s.message().find(c.dnOrMessage), std::string::npos) << s.message();
+        }
+    }
+}
+
+TEST_F(ServiceTest, AccessIsCheckedBeforeTheUser) {
+    EXPECT_EQ(Read("boss", kLead, "people/ann").code(), kAccessDenied);
+    EXPECT_EQ(Read("desk", "LDAP://x/uid=ghost,ou=admins,o=t", "people/ann").code(),
+              kAdminUnreadable);
+    EXPECT_EQ(Read("desk", "LDAP://x/uid=stranger,ou=admins,o=t", "people/ann").code(),
+              kAccessDenied);
+    EXPECT_EQ(Read("reader", "uid=reader,ou=admins,o=t", "other/dee").code(), kAccessDenied);
+}
+
+TEST_F(ServiceTest, NarrowRolesSeeLess) {
+    int count = -1;
+    ASSERT_TRUE(Read("reader", "uid=reader,ou=admins,o=t", "people/ann", &count).ok());
+    EXPECT_EQ(count, 2);
+    ASSERT_EQ(user_.attributes.size(), 2u);
+    EXPECT_FALSE(user_.attributes[0].write);
+    ASSERT_EQ(user_.groups.size(), 1u);  // vpn: may change, may not see
+    EXPECT_EQ(user_.groups[0].member, "restricted");
+    EXPECT_TRUE(user_.groups[0].write);
+    EXPECT_FALSE(user_.groups[0].read);
+    ASSERT_TRUE(Read("blind", "uid=reader,ou=admins,o=t", "people/ann", &count).ok());
+    EXPECT_EQ(count, 0);
+}
+
+TEST_F(ServiceTest, DisabledReasonsAndRedisable) {
+    ASSERT_TRUE(Read("desk", kLead, "people/bo").ok());
+    EXPECT_EQ(user_.disabled, "Disabled forever,Locked by policy");
+    ASSERT_TRUE(Write("<Attribute name=\"kvlxrFailureCount\"><Value>7 20260601110000Z 10.9.9.9"
+                      "</Value></Attribute>")
+                    .ok());
+    ASSERT_TRUE(Read("desk", kLead, "people/ann").ok());
+    EXPECT_EQ(user_.disabled, "Failure count 7 reached the maximum of 5");
+    EXPECT_TRUE(Attr("kvlxrFailureCount")->redisable);
+    EXPECT_FALSE(Attr("kvlxrLoginHistory")->redisable);
+}
+
+TEST_F(ServiceTest, WriteReplacesRemovesAndClears) {
+    Status s = Write(
+        "<Attribute name=\"kvlxrLoginHistory\"/>\n"
+        "<Attribute name=\"kvlxrFailureCount\"><Value/></Attribute>\n"
+        "<Attribute name=\"KVLXRDISABLEUNTIL\"><Value>FOREVER </Value></Attribute>\n"
+        "<Attribute name=\"kvlxrAccountInactivityDays\"><Value>30 a&b <c> \"d\"</Value>"
+        "</Attribute>\n");
+    ASSERT_TRUE(s.ok()) << s.message();
+    Entry ann = f_.Get(kAnn);
+    EXPECT_TRUE(ann.Values("kvlxrLoginHistory").empty());
+    EXPECT_TRUE(ann.Values("kvlxrFailureCount").empty());
+    EXPECT_EQ(ann.Values("kvlxrDisableUntil"), std::vector<std::string>{"FOREVER"});
+    EXPECT_EQ(ann.First("kvlxrAccountInactivityDays"), "30 a&b <c> \"d\"");
+    EXPECT_EQ(ann.First("kvlxrLastLogin"), "20260530101010Z 10.0.0.5");  // untouched
+    // And the next read shows it, still well formed.
+    ASSERT_TRUE(Read("desk", kLead, "people/ann").ok());
+    EXPECT_EQ(Attr("kvlxrAccountInactivityDays")->values[0], "30 a&b <c> \"d\"");
+}
+
+TEST_F(ServiceTest, RedirectEntriesChangeOneByOne) {
+    Status s = Write(
+        "<Attribute name=\"kvlxrGenerationalRedirects\">"
+        "<Value>A=0</Value>"
+        "<Value>B=https://b2.example/ 20260601120000Z 10.1.1.2 moved</Value>"
+        "<Value>C=https://c.example/</Value>"
+        "</Attribute>");
+    ASSERT_TRUE(s.ok()) << s.message();
+    EXPECT_EQ(f_.Get(kAnn).Values("kvlxrGenerationalRedirects"),
+              (std::vector<std::string>{"B=https://b2.example/ 20260601120000Z 10.1.1.2 moved",
+                                        "C=https://c.example/"}));
+    // An unchanged entry posted as it stands leaves everything as it was.
+    ASSERT_TRUE(Write("<Attribute name=\"kvlxrGenerationalRedirects\"><Value>C=https://c.example/"
+                      "</Value></Attribute>")
+                    .ok());
+    EXPECT_EQ(f_.Get(kAnn).Values("kvlxrGenerationalRedirects").size(), 2u);
+}
+
+TEST_F(ServiceTest, GroupMembershipChanges) {
+    ASSERT_TRUE(Write("<Group name=\"cn=locked,ou=groups,o=t\" member=\"1\"/>"
+                      "<Group name=\"CN=vpn, ou=groups, o=t\" member=\"0\"/>")
+                    .ok());
+    ASSERT_TRUE(Read("desk", kLead, "people/ann").ok());
+    EXPECT_EQ(user_.groups[0].member, "true");
+    EXPECT_EQ(user_.groups[1].member, "false");
+    EXPECT_EQ(user_.disabled, "Locked by policy");
+    EXPECT_EQ(f_.Get("cn=locked,ou=groups,o=t").Values("member").size(), 2u);
+    EXPECT_EQ(Write("<Group name=\"cn=locked,ou=groups,o=t\" member=\"2\"/>").code(), kBadRequest);
+}
+
+TEST_F(ServiceTest, PasswordsAreCheckedAndStoredHashed) {
+    Status s = Write("<Attribute name=\"userPassword\"><Value>New-pass9&lt;\"</Value></Attribute>");
+    ASSERT_TRUE(s.ok()) << s.message();
+    Entry ann = f_.Get(kAnn);
+    std::string stored = ann.First("userPassword");
+    EXPECT_EQ(stored.rfind("{CRYPT}$6$", 0), 0u) << stored;
+    EXPECT_TRUE(VerifyPassword(stored, "New-pass9&lt;\""));
+    EXPECT_FALSE(VerifyPassword(stored, "New-pass9"));
+    EXPECT_EQ(ann.First("kvlxrLastPasswordChange"), "20260601120000Z LXRAdmin");
+    const std::vector<AuditRecord> audit = Audit();
+    for (const AuditChange& c : audit.back().changes) {
+        if (c.attribute == "userPassword") {
+            EXPECT_EQ(c.oldValue, "(redacted)");
+            EXPECT_EQ(c.newValue, "(redacted)");
+        }
+    }
+    struct Case {
+        const char* password;
+        const char* problem;
+    } bad[] = {
+        {"short1", "shorter than 8"},
+        {"longenoughbutnodigit", "at least 1 digits"},
+        {"Ann-Lee-2026", "contains the user's name"},
+    };
+    for (const Case& c : bad) {
+        s = Write(std::string("<Attribute name=\"userPassword\"><Value>") + c.password +
+                  "</Value></Attribute>");
+        EXPECT_EQ(s.code(), kBadRequest) << c.password;
+        EXPECT_NE(s.message().find(c.problem), std::string::npos) << s.message();
+        EXPECT_EQ(s.message().find(c.password), std::string::npos) << "password echoed";
+    }
+}
+
+TEST_F(ServiceTest, ForbiddenOrBadWritesChangeNothing) {
+    const Entry before = f_.Get(kAnn);
+    const std::string good =
+        "<Attribute name=\"kvlxrFailureCount\"><Value>0 20260601120000Z</Value></Attribute>";
+    struct Case {
+        std::string body;
+        const char* role;
+        const char* dn;
+        int code;
+        const char* named;
+    } cases[] = {
+        {good + "<Attribute name=\"kvlxrMustLoginBy\"><Value/></Attribute>", "desk", kAnn,
+         kAccessDenied, "kvlxrMustLoginBy"},
+        {good + "<Attribute name=\"kvlxrLastLogin\"><Value/></Attribute>", "desk", kAnn,
+         kAccessDenied, "kvlxrLastLogin"},
+        {good + "<Attribute name=\"cn\"><Value>x</Value></Attribute>", "desk", kAnn,
+         kAccessDenied, "cn"},
+        {good + "<Group name=\"cn=other,o=t\" member=\"1\"/>", "desk", kAnn, kAccessDenied,
+         "cn=other,o=t"},
+        {good, "reader", kAnn, kAccessDenied, "\"reader\""},  // lead is not a reader
+        {good, "desk", "uid=x,ou=elsewhere,o=t", kAccessDenied, "uid=x,ou=elsewhere,o=t"},
+        {good + "<Attribute name=\"kvlxrDisableUntil\"><Value>tomorrow</Value></Attribute>",
+         "desk", kAnn, kBadRequest, "tomorrow"},
+        {good + "<Attribute name=\"kvlxrGenerationalRedirects\"><Value>noequals</Value>"
+                "</Attribute>",
+         "desk", kAnn, kBadRequest, "noequals"},
+        {good + "<Attribute name=\"userPassword\"><Value>x</Value><Value>y</Value></Attribute>",
+         "desk", kAnn, kBadRequest, "userPassword"},
+        {good, "desk", "uid=zed,ou=people,o=t", kUserUnreadable, "uid=zed"},
+        {good + "<Bogus/>", "desk", kAnn, kBadRequest, "offset"},
+    };
+    for (const Case& c : cases) {
+        Status s = Write(c.body, c.role, c.dn);
+        EXPECT_EQ(s.code(), c.code) << c.body << ": " << s.message();
+        EXPECT_NE(s.message().find(c.named), std::string::npos) << s.message();
+        Entry after = f_.Get(kAnn);
+        EXPECT_EQ(after.attributes.size(), before.attributes.size());
+        for (const EntryAttribute& a : before.attributes)
+            EXPECT_EQ(after.Values(a.name), a.values) << a.name;
+    }
+    EXPECT_TRUE(Audit().empty());
+}
+
+TEST_F(ServiceTest, AppliedWritesAreAudited) {
+    ASSERT_TRUE(Write("<Attribute name=\"kvlxrFailureCount\"><Value>0 20260601120000Z</Value>"
+                      "</Attribute><Group name=\"cn=locked,ou=groups,o=t\" member=\"1\"/>")
+                    .ok());
+    ASSERT_TRUE(Write("").ok());  // nothing changed: recorded all the same
+    std::vector<AuditRecord> audit = Audit();
+    ASSERT_EQ(audit.size(), 2u);
+    EXPECT_EQ(audit[0].administrator, "uid=lead,ou=admins,o=t");
+    EXPECT_EQ(audit[0].role, "desk");
+    EXPECT_EQ(audit[0].user, kAnn);
+    EXPECT_EQ(audit[0].when, testing::kNow);
+    ASSERT_EQ(audit[0].changes.size(), 2u);
+    EXPECT_EQ(audit[0].changes[0].attribute, "kvlxrFailureCount");
+    EXPECT_EQ(audit[0].changes[0].oldValue, "2 20260530101010Z 10.0.0.5");
+    EXPECT_EQ(audit[0].changes[0].newValue, "0 20260601120000Z");
+    EXPECT_EQ(audit[0].changes[1].attribute, "group cn=locked,ou=groups,o=t");
+    EXPECT_EQ(audit[0].changes[1].newValue, "member");
+    EXPECT_TRUE(audit[1].changes.empty());
+}
+
+}  // namespace
+}  // namespace lxrapi
