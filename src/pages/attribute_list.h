@@ -32,10 +32,10 @@ struct AttrSlot {
 
     const char* literal;
     Kind kind;
-    std::string* text = nullptr;     // kText: the raw value is appended here
-    bool* flag = nullptr;            // kBool: true/false; kFlag: set when present
-    Membership* member = nullptr;    // kMember
-    bool seen = false;               // given once already (kBool, kMember, kFlag)
+    std::string* text = nullptr;   // kText: the raw value is appended here
+    bool* flag = nullptr;          // kBool: true/false; kFlag: set when present
+    Membership* member = nullptr;  // kMember
+    bool seen = false;             // given once already (kBool, kMember, kFlag)
 
     static AttrSlot Text(const char* l, std::string* t) { return {l, kText, t, nullptr, nullptr}; }
     static AttrSlot Bool(const char* l, bool* f) { return {l, kBool, nullptr, f, nullptr}; }

@@ -55,7 +55,7 @@ AttributeElement Attribute(const char* name, std::vector<std::string> values, bo
 }
 
 class AttributeRowTest : public pagestest::PagesTest {
-protected:
+  protected:
     void SetUp() override {
         PagesTest::SetUp();
         Calls.clear();
@@ -83,9 +83,10 @@ TEST_F(AttributeRowTest, WholeRowAroundTheHandlers) {
     EXPECT_NE(out.find("<span class=\"PROMPT\">kvlxrX</span>\n"), std::string::npos) << out;
     a.name.clear();
     out = Capture([&] { WriteAttributeRow(a, {false, nullptr, nullptr}); });
-    EXPECT_EQ(out, "<tr>\n<td width=\"1%\" valign=\"top\">\n</td>\n<td colspan=\"2\" "
-                   "valign=\"top\">\n<nobr><span class=\"DATADISPLAY\"></span></nobr></td>\n"
-                   "</tr>\n");
+    EXPECT_EQ(out,
+              "<tr>\n<td width=\"1%\" valign=\"top\">\n</td>\n<td colspan=\"2\" "
+              "valign=\"top\">\n<nobr><span class=\"DATADISPLAY\"></span></nobr></td>\n"
+              "</tr>\n");
 }
 
 TEST_F(AttributeRowTest, HandlerChoiceAndHiddenFields) {
@@ -109,12 +110,18 @@ TEST_F(AttributeRowTest, HandlerChoiceAndHiddenFields) {
          "edit(1,0,1,0)edit( 2,1,0,0)edit(3 ,2,0,1)",
          "a=1\na= 2\na=3 \n"},
         // A finisher replaces the fields and is called once with the count.
-        {Attribute("h", {"1", "2"}, false, true), {false, nullptr, FinishingEdit},
-         "edit(1,0,1,0)edit(2,1,0,1)finish(h,2)", ""},
-        {Attribute("h", {}, false, true), {false, nullptr, FinishingEdit},
-         "edit(,-1,1,1)finish(h,0)", ""},
-        {Attribute("h", {"1", "2"}, false, true), {false, nullptr, FirstOnlyFinishing},
-         "edit(1,0,1,0)edit(2,1,0,1)", "h=2\n"},
+        {Attribute("h", {"1", "2"}, false, true),
+         {false, nullptr, FinishingEdit},
+         "edit(1,0,1,0)edit(2,1,0,1)finish(h,2)",
+         ""},
+        {Attribute("h", {}, false, true),
+         {false, nullptr, FinishingEdit},
+         "edit(,-1,1,1)finish(h,0)",
+         ""},
+        {Attribute("h", {"1", "2"}, false, true),
+         {false, nullptr, FirstOnlyFinishing},
+         "edit(1,0,1,0)edit(2,1,0,1)",
+         "h=2\n"},
     };
     for (Case& c : cases) {
         ResetPageGlobals();
@@ -264,8 +271,9 @@ TEST_F(AttributeRowTest, HandlersComeFromTheTable) {
 }
 
 TEST_F(AttributeRowTest, ProcessAttributeReadsThenWrites) {
-    const char* text = "name=\"mail\" read=\"true\" write=\"true\">"
-                       "<Value>a@b</Value><Value>c@d</Value></Attribute>";
+    const char* text =
+        "name=\"mail\" read=\"true\" write=\"true\">"
+        "<Value>a@b</Value><Value>c@d</Value></Attribute>";
     const char* cursor = text;
     bool ok = false;
     std::string out = Capture([&] { ok = ProcessAttribute(cursor); });

@@ -30,7 +30,8 @@ TEST(ReadDirectoryList, WellFormed) {
          "</UserDirectories>",
          "", "[B|2][b|3]"},
         // Blanks after "<" anywhere; the text may hold "<"; raw values.
-        {"<UserDirectories>< UserDirectory  name=\"a&amp;b\">x<y</UserDirectory>< /UserDirectories>",
+        {"<UserDirectories>< UserDirectory  name=\"a&amp;b\">x<y</UserDirectory>< "
+         "/UserDirectories>",
          "", "[a&amp;b|x<y]"},
         {"<UserDirectories><UserDirectory name=\"e\"> </UserDirectory></UserDirectories>", "",
          "[e|]"},
@@ -42,8 +43,10 @@ TEST(ReadDirectoryList, WellFormed) {
          ""},
         // A filter keeps an identifier it starts, or a name it equals in any case.
         {"<UserDirectories><UserDirectory name=\"one\">abc</UserDirectory>"
-         "<UserDirectory name=\"AB\">zzz</UserDirectory><UserDirectory name=\"two\">xab</UserDirectory>"
-         "<UserDirectory name=\"three\">Abc</UserDirectory><UserDirectory name=\"ab1\">a</UserDirectory>"
+         "<UserDirectory name=\"AB\">zzz</UserDirectory><UserDirectory "
+         "name=\"two\">xab</UserDirectory>"
+         "<UserDirectory name=\"three\">Abc</UserDirectory><UserDirectory "
+         "name=\"ab1\">a</UserDirectory>"
          "</UserDirectories>",
          "ab", "[AB|zzz][one|abc]"},
     };
@@ -103,10 +106,10 @@ TEST(KeepDirectory, HiddenAndFiltered) {
         const char* filter;
         bool keep;
     } cases[] = {
-        {"n", "i", "", true},         {"", "", "", true},          {"#n", "i", "", false},
-        {"n", "#i", "", false},       {"n", "abc", "ab", true},    {"n", "ab", "ab", true},
-        {"n", "a", "ab", false},      {"n", "Abc", "ab", false},   {"AB", "z", "ab", true},
-        {"ABC", "z", "ab", false},    {"n", "xab", "ab", false},   {"#ab", "ab", "ab", false},
+        {"n", "i", "", true},      {"", "", "", true},        {"#n", "i", "", false},
+        {"n", "#i", "", false},    {"n", "abc", "ab", true},  {"n", "ab", "ab", true},
+        {"n", "a", "ab", false},   {"n", "Abc", "ab", false}, {"AB", "z", "ab", true},
+        {"ABC", "z", "ab", false}, {"n", "xab", "ab", false}, {"#ab", "ab", "ab", false},
     };
     for (const Case& c : cases) {
         EXPECT_EQ(KeepDirectory(c.name, c.id, c.filter), c.keep)

@@ -134,9 +134,17 @@ TEST(ReadAttribute, AttributesAndValues) {
         {"name=\"a\"></Attribute>", "a", false, false, false, {}},
         {"name=\"a\" read=\" true \" write=\"true\" redisable=\"anything, even 'false'\">\n"
          "  <Value>  5 </Value>\n  <Value>a&amp;b</Value><Value></Value>\n</Attribute>",
-         "a", true, true, true, {"5 ", "a&amp;b", ""}},
+         "a",
+         true,
+         true,
+         true,
+         {"5 ", "a&amp;b", ""}},
         // A value is raw up to its end tag.
-        {"name=\"h\"><Value><b>x</b> < ></Value></Attribute>", "h", false, false, false,
+        {"name=\"h\"><Value><b>x</b> < ></Value></Attribute>",
+         "h",
+         false,
+         false,
+         false,
          {"<b>x</b> < >"}},
         {"name=\"h\"><Value>\r\n\t</Value></Attribute>", "h", false, false, false, {""}},
         {"redisable=\"\" name=\"r\"></Attribute>", "r", true, false, false, {}},
@@ -208,7 +216,7 @@ TEST(ReadUserStart, RootAndItsAttributes) {
 TEST(ReadUserStart, MalformedStopsAtTheFault) {
     const Fault faults[] = {
         {"", ""},
-        {"<Users", "s"},  // then "s" is no attribute
+        {"<Users", "s"},                                                 // then "s" is no attribute
         {"<!-- <User> --><User name=\"x\">", "> --><User name=\"x\">"},  // no comments
         {"<user name=\"x\">", ""},
         {"<User>", ">"},            // no name

@@ -47,12 +47,12 @@ void WriteCheckbox(const GroupElement& group) {
     if (member) prtFormatter.printf(" checked");
     AddOutputField("GROUP-" + group.name, member ? "1" : "0");
     if (!group.reasoncode.empty()) prtFormatter.printf(" onClick=\"CheckDisabled('%s');\"", name);
-    DataMoves.emplace_back(prtFormatter.sprintf(
-        "if (document.DisplayForm.elements['GROUP-%s'].checked)\n"
-        "        document.PostForm.elements['GROUP-%s'].value = '1';\n"
-        "    else\n"
-        "        document.PostForm.elements['GROUP-%s'].value = '0';\n",
-        name, name, name));
+    DataMoves.emplace_back(
+        prtFormatter.sprintf("if (document.DisplayForm.elements['GROUP-%s'].checked)\n"
+                             "        document.PostForm.elements['GROUP-%s'].value = '1';\n"
+                             "    else\n"
+                             "        document.PostForm.elements['GROUP-%s'].value = '0';\n",
+                             name, name, name));
     prtFormatter.printf(">\n");
 }
 
@@ -74,8 +74,9 @@ void WriteRadioButtons(const GroupElement& group, char* label) {
          "onClick=\"CheckDisabled3('%s', 2);\"", "KV-LXR-12075", "Remove"},
     };
     const char* name = group.name.c_str();
-    prtFormatter.printf("%s", "<table width=\"100%\" border=\"0\" cellpadding=\"0\" "
-                              "cellspacing=\"0\"><tr>\n");
+    prtFormatter.printf("%s",
+                        "<table width=\"100%\" border=\"0\" cellpadding=\"0\" "
+                        "cellspacing=\"0\"><tr>\n");
     for (const Choice& choice : kChoices) {
         prtFormatter.printf("%s", "<td width=\"33%\">\n");
         prtFormatter.printf("<span class=\"GROUPBUTTONS\">");
@@ -88,15 +89,15 @@ void WriteRadioButtons(const GroupElement& group, char* label) {
     }
     AddOutputField("GROUP-" + group.name, "");
     prtFormatter.printf("</tr></table>\n");
-    DataMoves.emplace_back(prtFormatter.sprintf(
-        "if (document.DisplayForm.elements['GROUP-%s'][1].checked)\n"
-        "        document.PostForm.elements['GROUP-%s'].value = \"1\";\n"
-        "    else\n"
-        "    if (document.DisplayForm.elements['GROUP-%s'][2].checked)\n"
-        "        document.PostForm.elements['GROUP-%s'].value = \"0\";\n"
-        "    else\n"
-        "        document.PostForm.elements['GROUP-%s'].value = \"\";\n",
-        name, name, name, name, name));
+    DataMoves.emplace_back(
+        prtFormatter.sprintf("if (document.DisplayForm.elements['GROUP-%s'][1].checked)\n"
+                             "        document.PostForm.elements['GROUP-%s'].value = \"1\";\n"
+                             "    else\n"
+                             "    if (document.DisplayForm.elements['GROUP-%s'][2].checked)\n"
+                             "        document.PostForm.elements['GROUP-%s'].value = \"0\";\n"
+                             "    else\n"
+                             "        document.PostForm.elements['GROUP-%s'].value = \"\";\n",
+                             name, name, name, name, name));
 }
 
 // Read-only: the membership as a word.

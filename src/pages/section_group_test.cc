@@ -17,15 +17,18 @@ TEST_F(SectionGroupTest, SectionRows) {
         const char* text;
         const char* html;
     } cases[] = {
-        {"name=\"Status\">", "<tr><td class=\"SECTIONBOX\" colspan=\"3\">\n"
-                             "<span class=\"SECTION\">Status</span>\n</td></tr>\n"},
+        {"name=\"Status\">",
+         "<tr><td class=\"SECTIONBOX\" colspan=\"3\">\n"
+         "<span class=\"SECTION\">Status</span>\n</td></tr>\n"},
         {"name=\"n\" prompt=\"Account &amp; Co\">",
          "<tr><td class=\"SECTIONBOX\" colspan=\"3\">\n"
          "<span class=\"SECTION\">Account &amp; Co</span>\n</td></tr>\n"},
-        {"prompt=\"#Head Default\">", "<tr><td class=\"SECTIONBOX\" colspan=\"3\">\n"
-                                      "<span class=\"SECTION\">Translated Head</span>\n</td></tr>\n"},
+        {"prompt=\"#Head Default\">",
+         "<tr><td class=\"SECTIONBOX\" colspan=\"3\">\n"
+         "<span class=\"SECTION\">Translated Head</span>\n</td></tr>\n"},
         // Neither name nor prompt: a plain divider.
-        {">", "<tr><td class=\"SECTIONBOX\" colspan=\"3\">\n<hr class=\"INTERSECTION\">\n</td></tr>\n"},
+        {">",
+         "<tr><td class=\"SECTIONBOX\" colspan=\"3\">\n<hr class=\"INTERSECTION\">\n</td></tr>\n"},
     };
     for (const Case& c : cases) {
         bNewSection = false;
@@ -122,8 +125,9 @@ constexpr const char* kPlainRadioRow = R"(<td width="1" valign="top">
 std::string DisplayRow(const char* image, const char* word) {
     std::string row = "<td width=\"1\" valign=\"top\">\n";
     row += image;
-    row += "</td>\n<td width=\"1\" valign=\"top\">\n<span class=\"PROMPT\">G</span>\n</td>\n"
-           "<td valign=\"top\">\n<span class=\"GROUPMEMBER\">";
+    row +=
+        "</td>\n<td width=\"1\" valign=\"top\">\n<span class=\"PROMPT\">G</span>\n</td>\n"
+        "<td valign=\"top\">\n<span class=\"GROUPMEMBER\">";
     row += word;
     row += "</span>\n</td>\n</tr>\n";
     return row;
@@ -203,7 +207,8 @@ TEST_F(SectionGroupTest, CopyStatements) {
 }
 
 TEST_F(SectionGroupTest, LabelsComeFromTheCatalogue) {
-    UseCatalogue({{"#Staff members", "Personnel"}, {"KV-LXR-12071", "Oui"}, {"KV-LXR-12074", "Ajouter"}});
+    UseCatalogue(
+        {{"#Staff members", "Personnel"}, {"KV-LXR-12071", "Oui"}, {"KV-LXR-12074", "Ajouter"}});
     const char* cursor = "name=\"g\" prompt=\"#Staff members\" read=\"true\" member=\"true\"/>";
     std::string out = Capture([&] { ProcessGroup(cursor); });
     EXPECT_NE(out.find("<span class=\"PROMPT\">Personnel</span>\n"), std::string::npos) << out;

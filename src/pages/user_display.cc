@@ -29,7 +29,9 @@ const char* EnvText(const char* name) {
     return value != nullptr && *value != '\0' ? value : nullptr;
 }
 
-bool SectionRow(const char*& cursor) { return ProcessSection(cursor); }
+bool SectionRow(const char*& cursor) {
+    return ProcessSection(cursor);
+}
 bool GroupRow(const char*& cursor) {
     bNewSection = false;
     return ProcessGroup(cursor);
@@ -68,7 +70,8 @@ void WriteHead() {
     Lang->Translate(text, sizeof text, "KV-LXR-12043", "User Information");
     prtFormatter.printf(R"(<FORM METHOD="POST" NAME="DisplayForm" OnSubmit="return SubmitForm();">
 )");
-    prtFormatter.printf("%s", R"(<table width="100%" height="75%"><tr><td valign="middle" align="center">
+    prtFormatter.printf("%s",
+                        R"(<table width="100%" height="75%"><tr><td valign="middle" align="center">
 <table class="DIALOGBOX">
 <tr><td class="TITLEBOX">
 )");
@@ -215,8 +218,7 @@ void WritePostForm(const std::string& userName) {
         prtFormatter.printf("    <INPUT TYPE=\"HIDDEN\" NAME=\"%s\" VALUE=\"%s\">\n", field->name,
                             field->value);
     }
-    prtFormatter.printf("    <INPUT TYPE=\"HIDDEN\" NAME=\"LXR-USERDN\" VALUE=\"%s\">\n",
-                        userName);
+    prtFormatter.printf("    <INPUT TYPE=\"HIDDEN\" NAME=\"LXR-USERDN\" VALUE=\"%s\">\n", userName);
     auto packed = Args.find("LXRAdminARGS");
     if (packed != Args.end()) {
         prtFormatter.printf("    <INPUT TYPE=\"HIDDEN\" NAME=\"LXRAdminARGS\" VALUE=\"%s\">\n",

@@ -10,7 +10,7 @@ using pagestest::ResetPageGlobals;
 using pagestest::UseCatalogue;
 
 class UserDisplayTest : public pagestest::PagesTest {
-protected:
+  protected:
     std::string Page(const char* document, int readResult = 1) {
         return Capture([&] { UserDisplay(document, readResult); });
     }
@@ -35,8 +35,9 @@ TEST_F(UserDisplayTest, UserWithoutRows) {
     std::string page = Page(kEmptyUser);
     EXPECT_EQ(page.rfind("Status: 200 OK\nContent-Type: text/html;charset=UTF-8\n\n<html>", 0), 0u);
     // Everything from the form to the focus script is this page's own.
-    EXPECT_EQ(Between(page, "<FORM", "\n<!-- ****************************************"
-                                      "********************** -->\n<!-- * Set the focus"),
+    EXPECT_EQ(Between(page, "<FORM",
+                      "\n<!-- ****************************************"
+                      "********************** -->\n<!-- * Set the focus"),
               R"(<FORM METHOD="POST" NAME="DisplayForm" OnSubmit="return SubmitForm();">
 <table width="100%" height="75%"><tr><td valign="middle" align="center">
 <table class="DIALOGBOX">
@@ -78,8 +79,7 @@ function SubmitForm()
 }
 
 TEST_F(UserDisplayTest, DisabledReasonsRow) {
-    std::string page =
-        Page("<User name=\"u\" disabled=\"Too many failures, Inactivity\"></User>");
+    std::string page = Page("<User name=\"u\" disabled=\"Too many failures, Inactivity\"></User>");
     EXPECT_NE(page.find(R"(<tr><td><table class="DISPLAYINNERBOX">
 <tr>
 <td width="1%" valign="top">
@@ -102,8 +102,9 @@ TEST_F(UserDisplayTest, DisabledReasonsRow) {
 TEST_F(UserDisplayTest, Buttons) {
     const char* cancel = "<INPUT TYPE=\"BUTTON\" VALUE=\"Cancel\" onClick=\"window.location='";
     const char* close = "<INPUT TYPE=\"BUTTON\" VALUE=\"Close\" onClick=\"window.close();\">\n";
-    const char* help = "<INPUT TYPE=\"BUTTON\" VALUE=\"Help\" onClick=\"window.open('/h', "
-                       "'LXRADMINHELP', '', true);\">\n";
+    const char* help =
+        "<INPUT TYPE=\"BUTTON\" VALUE=\"Help\" onClick=\"window.open('/h', "
+        "'LXRADMINHELP', '', true);\">\n";
     struct Case {
         pagestest::FieldMapInit args;
         const char* returnTo;
@@ -116,10 +117,16 @@ TEST_F(UserDisplayTest, Buttons) {
         {{{"CancelTo", "/c"}}, "/r", nullptr, {}, std::string(cancel) + "/c';\">\n"},
         {{}, "/r", nullptr, {}, std::string(cancel) + "/r';\">\n"},
         // An empty label: the caller's address is still offered, our own is not.
-        {{}, "/r", nullptr, {{"KV-LXR-12009", ""}},
+        {{},
+         "/r",
+         nullptr,
+         {{"KV-LXR-12009", ""}},
          "<INPUT TYPE=\"BUTTON\" VALUE=\"\" onClick=\"window.location='/r';\">\n"},
         {{}, nullptr, nullptr, {{"KV-LXR-12009", ""}}, ""},
-        {{{"USER", "u"}, {"userdir", "d"}, {"a", "1"}}, nullptr, "/h", {},
+        {{{"USER", "u"}, {"userdir", "d"}, {"a", "1"}},
+         nullptr,
+         "/h",
+         {},
          std::string(cancel) + "?a=1';\">\n" + help},
     };
     for (const Case& c : cases) {
@@ -130,8 +137,7 @@ TEST_F(UserDisplayTest, Buttons) {
         lxrtest::ScopedEnv helpUrl("HTTP_HELPURL", c.helpUrl);
         std::string page = Page(kEmptyUser);
         const char* row = "</td></tr>\n<tr><td valign=\"middle\" align=\"center\">\n";
-        EXPECT_EQ(Between(page, row, "</td></tr>\n</table>\n"), row + c.buttons)
-            << c.buttons;
+        EXPECT_EQ(Between(page, row, "</td></tr>\n</table>\n"), row + c.buttons) << c.buttons;
     }
 }
 
@@ -246,7 +252,8 @@ TEST_F(UserDisplayTest, FaultsFollowTheRowsWrittenBeforeThem) {
         }
         EXPECT_NE(page.find(std::string("</pre><hr><pre>\n") + c.rest + "</pre><hr>\n", error),
                   std::string::npos)
-            << c.document << "\n" << page.substr(error);
+            << c.document << "\n"
+            << page.substr(error);
         EXPECT_EQ(page.find("function SubmitForm()"), std::string::npos) << c.document;
     }
 }

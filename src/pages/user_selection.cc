@@ -125,7 +125,8 @@ void UserSelection(const char* document) {
                             table.begin()->second);
     }
     Lang->Translate(text, sizeof text, "KV-LXR-12000", "Enter User Specification");
-    prtFormatter.printf("%s", R"(<table width="100%" height="75%"><tr><td valign="middle" align="center">
+    prtFormatter.printf("%s",
+                        R"(<table width="100%" height="75%"><tr><td valign="middle" align="center">
 <table class="DIALOGBOX">
 <tr><td class="TITLEBOX">
 )");

@@ -10,7 +10,7 @@ using pagestest::ResetPageGlobals;
 using pagestest::UseCatalogue;
 
 class UserSelectionTest : public pagestest::PagesTest {
-protected:
+  protected:
     std::string Page(const char* document) {
         return Capture([&] { UserSelection(document); });
     }
@@ -36,8 +36,7 @@ constexpr const char* kThree =
 
 TEST_F(UserSelectionTest, OneDirectoryIsAHiddenField) {
     std::string page = Page(kOne);
-    EXPECT_EQ(page.rfind("Status: 200 OK\nContent-Type: text/html;charset=UTF-8\n\n<html>", 0),
-              0u)
+    EXPECT_EQ(page.rfind("Status: 200 OK\nContent-Type: text/html;charset=UTF-8\n\n<html>", 0), 0u)
         << page;
     EXPECT_EQ(Form(page), R"(<FORM METHOD="GET">
 <INPUT TYPE="HIDDEN" NAME="USERDIR" VALUE="dir:main">
@@ -105,7 +104,8 @@ TEST_F(UserSelectionTest, DirectoryFilter) {
         if (*c.options) {
             EXPECT_NE(form.find(std::string("size=\"1\">\n") + c.options + "</select>"),
                       std::string::npos)
-                << c.dir << "\n" << form;
+                << c.dir << "\n"
+                << form;
         } else {
             EXPECT_EQ(form.find("<select"), std::string::npos) << c.dir;
         }
@@ -127,10 +127,11 @@ TEST_F(UserSelectionTest, ArgumentsAreCarriedForward) {
               0u)
         << form;
     // Every argument in the map's order, ReadOnly included once more.
-    const char* tail = "</td></tr></table>\n"
-                       "<INPUT TYPE=\"HIDDEN\" NAME=\"CancelTo\" VALUE=\"/back\">\n"
-                       "<INPUT TYPE=\"HIDDEN\" NAME=\"ReadOnly\" VALUE=\"1\">\n"
-                       "<INPUT TYPE=\"HIDDEN\" NAME=\"x\" VALUE=\"y\">\n</FORM>\n";
+    const char* tail =
+        "</td></tr></table>\n"
+        "<INPUT TYPE=\"HIDDEN\" NAME=\"CancelTo\" VALUE=\"/back\">\n"
+        "<INPUT TYPE=\"HIDDEN\" NAME=\"ReadOnly\" VALUE=\"1\">\n"
+        "<INPUT TYPE=\"HIDDEN\" NAME=\"x\" VALUE=\"y\">\n</FORM>\n";
     EXPECT_EQ(form.substr(form.size() - std::strlen(tail)), tail) << form;
 }
 
@@ -146,19 +147,31 @@ TEST_F(UserSelectionTest, Buttons) {
     } cases[] = {
         {nullptr, nullptr, nullptr, {}, std::string(submit) + reset},
         {nullptr, "", "", {}, std::string(submit) + reset},  // empty variables count as unset
-        {nullptr, "/from", nullptr, {},
+        {nullptr,
+         "/from",
+         nullptr,
+         {},
          std::string(submit) + reset +
              "<INPUT TYPE=\"BUTTON\" VALUE=\"Cancel\" onClick=\"window.location='/from';\">\n"},
-        {"/arg", "/from", nullptr, {},
+        {"/arg",
+         "/from",
+         nullptr,
+         {},
          std::string(submit) + reset +
              "<INPUT TYPE=\"BUTTON\" VALUE=\"Cancel\" onClick=\"window.location='/arg';\">\n"},
-        {"", nullptr, "/help.html", {},
+        {"",
+         nullptr,
+         "/help.html",
+         {},
          std::string(submit) + reset +
              "<INPUT TYPE=\"BUTTON\" VALUE=\"Cancel\" onClick=\"window.location='';\">\n"
              "<INPUT TYPE=\"BUTTON\" VALUE=\"Help\" onClick=\"window.open('/help.html', "
              "'LXRADMINHELP', '', true);\">\n"},
         // An empty Reset label removes the button; an empty Cancel label does not.
-        {nullptr, "/from", nullptr, {{"KV-LXR-12004", ""}, {"KV-LXR-12005", ""}},
+        {nullptr,
+         "/from",
+         nullptr,
+         {{"KV-LXR-12004", ""}, {"KV-LXR-12005", ""}},
          std::string(submit) +
              "<INPUT TYPE=\"BUTTON\" VALUE=\"\" onClick=\"window.location='/from';\">\n"},
     };

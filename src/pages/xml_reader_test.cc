@@ -22,12 +22,17 @@ TEST(LTrim, SkipsUnicodeBlanksAndLineEnds) {
         {"\v\f<", "<"},
         {"\xC2\xA0<a>", "<a>"},              // U+00A0 no-break space
         {"\xE3\x80\x80\xE2\x80\xA8z", "z"},  // U+3000, U+2028
-        {"\xC2\x85" "z", "z"},               // U+0085 next line
-        {"\x85z", "\x85z"},                  // a stray continuation byte is no blank
-        {"\xC2", "\xC2"},                    // a sequence cut short by the NUL
+        {"\xC2\x85"
+         "z",
+         "z"},               // U+0085 next line
+        {"\x85z", "\x85z"},  // a stray continuation byte is no blank
+        {"\xC2", "\xC2"},    // a sequence cut short by the NUL
         {"\xE2\x80", "\xE2\x80"},
-        {"\xC3\xA9 ", "\xC3\xA9 "},          // a letter
-        {"\xE2\x80\x8B" "a", "\xE2\x80\x8B" "a"},  // U+200B is not White_Space
+        {"\xC3\xA9 ", "\xC3\xA9 "},  // a letter
+        {"\xE2\x80\x8B"
+         "a",
+         "\xE2\x80\x8B"
+         "a"},  // U+200B is not White_Space
     };
     for (const Case& c : cases) {
         EXPECT_STREQ(LTrim(c.text), c.rest) << "text: " << c.text;
@@ -49,8 +54,8 @@ TEST(MakeLabel, PromptFallbackAndCatalogueKeys) {
         {"", "#Greeting", "Bonjour"},            // a fallback may be a key too
         {"#", "x", ""},
         {"#Empty", "x", ""},
-        {" #Greeting", "x", " #Greeting"},       // only a leading "#" counts
-        {"a&amp;b", "x", "a&amp;b"},             // copied as it stands
+        {" #Greeting", "x", " #Greeting"},  // only a leading "#" counts
+        {"a&amp;b", "x", "a&amp;b"},        // copied as it stands
     };
     for (const Case& c : cases) {
         char buffer[1024];

@@ -29,20 +29,20 @@ using FieldMapInit = std::vector<std::pair<std::string, std::string>>;
 
 // A bundle that knows exactly the texts it is given.
 class MapBundle : public CKvXlate {
-public:
+  public:
     explicit MapBundle(Catalogue texts) : texts_(std::move(texts)) {}
     const char* Lookup(const char* key) override {
         auto it = texts_.find(key ? key : "");
         return it == texts_.end() ? nullptr : it->second.c_str();
     }
 
-private:
+  private:
     Catalogue texts_;
 };
 
 // A translator whose bundle is `texts`, loaded already.
 class TestLanguage : public CLanguage {
-public:
+  public:
     TestLanguage(bool withId, const Catalogue& texts) : CLanguage("LXRAdmin", "en", withId) {
         bundle_ = std::make_shared<MapBundle>(texts);
         loaded_ = true;
@@ -79,7 +79,7 @@ inline void ResetPageGlobals() {
 // The page globals reset before each test; the CGI variables the pages read
 // are unset for the test's duration.
 class PagesTest : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override { ResetPageGlobals(); }
     void TearDown() override { ResetPageGlobals(); }
 
@@ -95,7 +95,7 @@ protected:
         return out;
     }
 
-private:
+  private:
     lxrtest::ScopedEnv agent_{"HTTP_USER_AGENT", nullptr};
     lxrtest::ScopedEnv returnTo_{"HTTP_RETURNTO", nullptr};
     lxrtest::ScopedEnv help_{"HTTP_HELPURL", nullptr};
@@ -104,6 +104,8 @@ private:
 };
 
 // Where a reader stopped, as an offset into the text it was given.
-inline long Offset(const char* text, const char* cursor) { return cursor - text; }
+inline long Offset(const char* text, const char* cursor) {
+    return cursor - text;
+}
 
 }  // namespace pagestest
