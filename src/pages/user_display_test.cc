@@ -186,6 +186,15 @@ TEST_F(UserDisplayTest, SubmitScriptAndPostForm) {
     EXPECT_FALSE(bNewSection);  // cleared again by the group after the heading
 }
 
+TEST_F(UserDisplayTest, NewSectionFlag) {
+    Page("<User name=\"u\"><Section name=\"s\"></Section></User>");
+    EXPECT_TRUE(bNewSection);
+    ResetPageGlobals();
+    Page(
+        "<User name=\"u\"><Section name=\"s\"><Attribute name=\"a\"></Attribute></Section></User>");
+    EXPECT_FALSE(bNewSection);
+}
+
 TEST_F(UserDisplayTest, ReadOnlyHasNothingToPost) {
     Args["READONLY"] = "";
     std::string page = Page(kEditable);
@@ -198,7 +207,8 @@ TEST_F(UserDisplayTest, ReadOnlyHasNothingToPost) {
 TEST_F(UserDisplayTest, NothingToShowWritesTheErrorThenThePage) {
     std::string page = Page(kEmptyUser, 0);
     EXPECT_EQ(page.rfind("Status: 503 SERVICE UNAVAILABLE\n", 0), 0u) << page;
-    size_t error = page.find("No user attributes are available for view/edit.");
+    // The plain translator: no key in front of the text.
+    size_t error = page.find("alert(\"No user attributes are available for view/edit.\");");
     size_t form = page.find("<FORM METHOD=\"POST\" NAME=\"DisplayForm\"");
     ASSERT_NE(error, std::string::npos);
     ASSERT_NE(form, std::string::npos);

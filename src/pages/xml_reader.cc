@@ -5,6 +5,7 @@
 #include "platform/utf8.h"
 
 const char* LTrim(const char* text) {
+    if (text == nullptr) return nullptr;
     const auto* s = reinterpret_cast<const uint8_t*>(text);
     int32_t at = 0;
     while (s[at] != 0) {
