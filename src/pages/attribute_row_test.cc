@@ -253,11 +253,8 @@ TEST_F(AttributeRowTest, HandlersComeFromTheTable) {
         DisplayHandler display;
         EditHandler edit;
     } cases[] = {
-        {"kvlxrTotalLogins", false, outStandard, nullptr},
         {"KVLXRTOTALLOGINS", false, outStandard, nullptr},
-        {"kvlxrGraceLoginsUsed", false, outCountComment, inCount},
         {"kvlxrHistory", false, nullptr, nullptr},
-        {"userPassword", false, nullptr, inPassword},
         {"kvfpsLog", true, outHistory, FindFuncs("kvfpsLog")->edit},
         {"someOtherAttribute", false, outStandard, inStandard},
         {"", false, outStandard, inStandard},

@@ -99,22 +99,4 @@ TEST(ReadDirectoryList, MalformedStopsAtTheFault) {
     }
 }
 
-TEST(KeepDirectory, HiddenAndFiltered) {
-    struct Case {
-        const char* name;
-        const char* id;
-        const char* filter;
-        bool keep;
-    } cases[] = {
-        {"n", "i", "", true},      {"", "", "", true},        {"#n", "i", "", false},
-        {"n", "#i", "", false},    {"n", "abc", "ab", true},  {"n", "ab", "ab", true},
-        {"n", "a", "ab", false},   {"n", "Abc", "ab", false}, {"AB", "z", "ab", true},
-        {"ABC", "z", "ab", false}, {"n", "xab", "ab", false}, {"#ab", "ab", "ab", false},
-    };
-    for (const Case& c : cases) {
-        EXPECT_EQ(KeepDirectory(c.name, c.id, c.filter), c.keep)
-            << c.name << " " << c.id << " " << c.filter;
-    }
-}
-
 }  // namespace

