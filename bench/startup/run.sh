@@ -22,15 +22,15 @@ trap 'rm -rf "$work"' EXIT
 # A private demo directory for the command-line read.
 read_cmd=
 if [ -n "$lxrdir" ]; then
-    sed -e "s|^\\([[:space:]]*database[[:space:]]*=[[:space:]]*\\).*|\\1\"$work/demo.db\"|" \
+    sed -e 's|^\([[:space:]]*store[[:space:]]*=[[:space:]]*\)".*"|\1"demo.db"|' \
         "$root/examples/lxrapi.toml" >"$work/lxrapi.toml"
-    "$lxrdir" load --config "$work/lxrapi.toml" "$root/examples/demo.ldif" >/dev/null
-    read_cmd="env -i LXR_NOW=1700000000 LXRAPI_CONFIG=$work/lxrapi.toml $exe -Auid=admin,ou=people,o=demo -Crole=helpdesk -Ruid=alice,ou=people,o=demo"
+    "$lxrdir" create "$work/demo.db" "$root/examples/demo.ldif" >/dev/null
+    read_cmd="env -i LXR_NOW=1780315200 LXRAPI_CONFIG=$work/lxrapi.toml $exe -ALDAP://demo/uid=hd.lead,ou=admins,o=example -Chelpdesk -Rstaff/alice"
 else
     echo "lxrdir not built: the command-line read is left out" >&2
 fi
 
-failure_cmd="env -i LXR_NOW=1700000000 REQUEST_METHOD=GET $exe"
+failure_cmd="env -i LXR_NOW=1780315200 REQUEST_METHOD=GET $exe"
 trivial_cmd="env -i $trivial"
 
 cmds=(-n trivial "$trivial_cmd" -n failure-page "$failure_cmd")

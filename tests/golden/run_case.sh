@@ -36,6 +36,7 @@ subst() {
     s=${s//@SOURCE@/$source}
     s=${s//@CATALOGUE@/$catalogue}
     s=${s//@CONFIG@/$config}
+    s=${s//@PROGRAM_CATALOGUE@/$(dirname "$exe")/catalogue}
     printf '%s' "$s"
 }
 
@@ -44,9 +45,10 @@ subst() {
 setup_demo() {
     [ -x "$lxrdir" ] || { echo "run_case.sh: no lxrdir at '$lxrdir'" >&2; exit 2; }
     mkdir -p "$work/demo"
-    sed -e "s|^\\([[:space:]]*database[[:space:]]*=[[:space:]]*\\).*|\\1\"$work/demo/demo.db\"|" \
+    # Store paths are relative to the configuration file.
+    sed -e 's|^\([[:space:]]*store[[:space:]]*=[[:space:]]*\)".*"|\1"demo.db"|' \
         "$source/examples/lxrapi.toml" >"$config"
-    "$lxrdir" load --config "$config" "$source/examples/demo.ldif" >"$work/.lxrdir.log" 2>&1 || {
+    "$lxrdir" create "$work/demo/demo.db" "$source/examples/demo.ldif" >"$work/.lxrdir.log" 2>&1 || {
         echo "run_case.sh: lxrdir failed:" >&2
         cat "$work/.lxrdir.log" >&2
         exit 2
@@ -57,7 +59,7 @@ setup_demo() {
 normalise() { sed -e "s|$work|@WORK@|g" "$1"; }
 
 runs=0
-envs=() args=() stdin=
+envs=() args=() stdin= auto_length=
 run_now() {
     runs=$((runs + 1))
     local have_now= have_cat= have_cfg= e
@@ -70,13 +72,14 @@ run_now() {
     done
     # Fixed "now", no catalogue and no API configuration unless the case says
     # otherwise, so that nothing of the machine leaks into the output.
-    [ -n "$have_now" ] || envs+=("LXR_NOW=1700000000")
+    [ -n "$have_now" ] || envs+=("LXR_NOW=1780315200")
     [ -n "$have_cat" ] || envs+=("LXRADMIN_CATALOGUE=$work/no-catalogue")
     if [ -z "$have_cfg" ]; then
         if [ -f "$config" ]; then envs+=("LXRAPI_CONFIG=$config"); else envs+=("LXRAPI_CONFIG=$work/no-config.toml"); fi
     fi
     local in=/dev/null
     if [ -n "$stdin" ]; then in=$stdin; fi
+    if [ -n "$auto_length" ]; then envs+=("CONTENT_LENGTH=$(wc -c <"$in")"); fi
     (cd "$work" && exec timeout 20 env -i "${envs[@]}" "$exe" "${args[@]+"${args[@]}"}" \
         <"$in" >"$work/.stdout" 2>"$work/.stderr")
     local status=$?
@@ -90,7 +93,7 @@ run_now() {
         cat "$work/.stderr.n"
         printf -- '\n'
     } >>"$actual"
-    envs=() args=() stdin=
+    envs=() args=() stdin= auto_length=
 }
 
 lineno=0
@@ -115,6 +118,7 @@ while IFS= read -r line || [ -n "$line" ]; do
             mkdir -p "$(dirname "$work/$name")"
             printf '%s\n' "$(subst "$text")" >>"$work/$name"
             ;;
+        content-length) auto_length=1 ;;
         mkdir) mkdir -p "$work/$rest" ;;
         demo) setup_demo ;;
         run) run_now ;;
