@@ -24,7 +24,7 @@ constexpr const char* kHelpdesk = "LDAP://ldap.example.com/uid=hd.lead,ou=admins
 
 // Builds the demo directory and its configuration in a private folder.
 class DemoDirectory {
-public:
+  public:
     DemoDirectory() {
         char pattern[] = "/tmp/lxrapi-bench-XXXXXX";
         folder_ = mkdtemp(pattern);
@@ -34,9 +34,9 @@ public:
         if (!lxrapi::SqliteStore::Create(store, &s).ok() ||
             !lxrapi::ReadLdifFile(LXR_SOURCE_DIR "/examples/demo.ldif", &entries).ok() ||
             !s->Write([&](lxrapi::StoreWriter& w) {
-                   for (const lxrapi::Entry& e : entries) w.Put(e);
-                   return lxrapi::Status::OK();
-               }).ok())
+                  for (const lxrapi::Entry& e : entries) w.Put(e);
+                  return lxrapi::Status::OK();
+              }).ok())
             std::abort();
         std::ifstream in(LXR_SOURCE_DIR "/examples/lxrapi.toml");
         std::stringstream text;
@@ -48,7 +48,7 @@ public:
     }
     ~DemoDirectory() { std::system(("rm -rf '" + folder_ + "'").c_str()); }
 
-private:
+  private:
     std::string folder_;
 };
 
@@ -62,15 +62,19 @@ void Read(benchmark::State& state, const char* userPath) {
     std::vector<char> reply(65536), message(8192);
     for (auto _ : state) {
         message[0] = '\0';
-        int rc = LXRAdminRead("helpdesk", kHelpdesk, userPath, reply.data(), 65535,
-                              message.data(), 8192, "LXRAdmin=YES", "EN", "US", nullptr);
+        int rc = LXRAdminRead("helpdesk", kHelpdesk, userPath, reply.data(), 65535, message.data(),
+                              8192, "LXRAdmin=YES", "EN", "US", nullptr);
         if (rc < 0) state.SkipWithError(message.data());
         benchmark::DoNotOptimize(rc);
     }
 }
 
-void BM_ReadByName(benchmark::State& state) { Read(state, "staff/alice"); }
-void BM_ReadByDn(benchmark::State& state) { Read(state, "staff/uid=rupert,ou=staff,o=example"); }
+void BM_ReadByName(benchmark::State& state) {
+    Read(state, "staff/alice");
+}
+void BM_ReadByDn(benchmark::State& state) {
+    Read(state, "staff/uid=rupert,ou=staff,o=example");
+}
 
 void BM_GetDirectory(benchmark::State& state) {
     Demo();

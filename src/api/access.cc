@@ -18,8 +18,7 @@ Status FindRole(const Config& config, std::string_view identity, const Role** ro
     if (Trim(identity).empty()) return Status::AccessDenied("no administrator role was given");
     *role = config.FindRole(Trim(identity));
     if (!*role)
-        return Status::AccessDenied("unknown administrator role \"" + std::string(identity) +
-                                    "\"");
+        return Status::AccessDenied("unknown administrator role \"" + std::string(identity) + "\"");
     return Status::OK();
 }
 
@@ -38,8 +37,7 @@ Status CheckAdministrator(const Config& config, StoreProvider& stores, const Rol
         bool found = false;
         Status st = r.Get(dn, &admin, &found);
         if (!st.ok()) return st;
-        if (!found)
-            return Status::AdminUnreadable("administrator entry " + dn + " does not exist");
+        if (!found) return Status::AdminUnreadable("administrator entry " + dn + " does not exist");
         for (const std::string& listed : role.administrators.names) {
             if (DnKey(listed) == DnKey(dn)) allowed = true;
             if (allowed) break;
@@ -57,7 +55,9 @@ Status CheckAdministrator(const Config& config, StoreProvider& stores, const Rol
     return Status::OK();
 }
 
-bool MayRead(const Role& role, std::string_view attribute) { return role.read.Has(attribute); }
+bool MayRead(const Role& role, std::string_view attribute) {
+    return role.read.Has(attribute);
+}
 
 bool MayWrite(const Role& role, std::string_view attribute) {
     const AttributeInfo* info = FindAttribute(attribute);

@@ -40,9 +40,9 @@ TEST(AccessTest, AdministratorDecisions) {
         const char* path;
         int code;
     } cases[] = {
-        {"desk", "LDAP://s/uid=lead,ou=admins,o=t", kOk},             // listed directly
-        {"desk", "LDAP://s/UID=Lead, OU=admins, O=t", kOk},           // DN compared by key
-        {"desk", "uid=agent,ou=admins,o=t", kOk},                     // through cn=deskers
+        {"desk", "LDAP://s/uid=lead,ou=admins,o=t", kOk},    // listed directly
+        {"desk", "LDAP://s/UID=Lead, OU=admins, O=t", kOk},  // DN compared by key
+        {"desk", "uid=agent,ou=admins,o=t", kOk},            // through cn=deskers
         {"desk", "LDAP://s/uid=stranger,ou=admins,o=t", kAccessDenied},
         {"desk", "LDAP://s/uid=ghost,ou=admins,o=t", kAdminUnreadable},
         {"desk", "LDAP://s", kAdminUnreadable},
@@ -66,7 +66,7 @@ TEST(AccessTest, AttributeAndGroupGrants) {
     EXPECT_TRUE(MayRead(desk, "kvlxrTotalLogins"));
     EXPECT_TRUE(MayWrite(desk, "KVLXRFAILURECOUNT"));
     EXPECT_FALSE(MayWrite(desk, "kvlxrLastLogin"));  // granted, but the page cannot edit it
-    EXPECT_FALSE(MayWrite(desk, "cn"));               // not a password-services attribute
+    EXPECT_FALSE(MayWrite(desk, "cn"));              // not a password-services attribute
     EXPECT_TRUE(MayRead(reader, "kvlxrLastLogin"));
     EXPECT_FALSE(MayRead(reader, "kvlxrDisableUntil"));
     EXPECT_FALSE(MayWrite(reader, "kvlxrFailureCount"));

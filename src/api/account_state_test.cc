@@ -26,24 +26,33 @@ TEST(AccountStateTest, EveryReasonAndItsRedisableFlag) {
     } cases[] = {
         {{}, "", {}},
         {{{"kvlxrDisableUntil", "FOREVER vacation"}}, "Disabled forever", {}},
-        {{{"kvlxrDisableUntil", "20260701000000Z leave"}}, "Disabled until 2026-07-01 00:00 UTC", {}},
+        {{{"kvlxrDisableUntil", "20260701000000Z leave"}},
+         "Disabled until 2026-07-01 00:00 UTC",
+         {}},
         {{{"kvlxrDisableUntil", "20260501000000Z back"}}, "", {}},
-        {{{"kvlxrDisableAfter", "20260501000000Z"}}, "Disabled after 2026-05-01 00:00 UTC",
+        {{{"kvlxrDisableAfter", "20260501000000Z"}},
+         "Disabled after 2026-05-01 00:00 UTC",
          {"kvlxrdisableafter"}},
         {{{"kvlxrDisableAfter", "20260701000000Z"}}, "", {}},
-        {{{"kvlxrMustLoginBy", "20260515000000Z"}}, "Did not log in by 2026-05-15 00:00 UTC",
+        {{{"kvlxrMustLoginBy", "20260515000000Z"}},
+         "Did not log in by 2026-05-15 00:00 UTC",
          {"kvlxrmustloginby"}},
         {{{"kvlxrFailureCount", "5 20260601100000Z 10.0.0.1"}},
-         "Failure count 5 reached the maximum of 5", {"kvlxrfailurecount"}},
+         "Failure count 5 reached the maximum of 5",
+         {"kvlxrfailurecount"}},
         {{{"kvlxrFailureCount", "4 20260601100000Z 10.0.0.1"}}, "", {}},
-        {{{"kvfpsLockoutCounter", "9"}}, "Lockout counter 9 reached the maximum of 5",
+        {{{"kvfpsLockoutCounter", "9"}},
+         "Lockout counter 9 reached the maximum of 5",
          {"kvfpslockoutcounter"}},
         // Expiry: 2026-01-01 plus the policy's 100 days is 2026-04-11.
-        {{{"kvlxrLastPasswordChange", "20260101000000Z"}}, "Password expired 2026-04-11 00:00 UTC",
+        {{{"kvlxrLastPasswordChange", "20260101000000Z"}},
+         "Password expired 2026-04-11 00:00 UTC",
          {"kvlxrexpirepassworddays", "kvlxrlastpasswordchange"}},
         {{{"kvlxrLastPasswordChange", "20260101000000Z"}, {"kvlxrExpirePasswordDays", "0 never"}},
-         "", {}},
-        {{{"kvlxrLastPasswordChange", "20260101000000Z"}, {"kvlxrExpirePasswordDays", "365"}}, "",
+         "",
+         {}},
+        {{{"kvlxrLastPasswordChange", "20260101000000Z"}, {"kvlxrExpirePasswordDays", "365"}},
+         "",
          {}},
         {{{"kvlxrLastLogin", "20260401000000Z 10.0.0.1"}, {"kvlxrAccountInactivityDays", "30"}},
          "Inactive since 2026-04-01 00:00 UTC",
@@ -52,9 +61,11 @@ TEST(AccountStateTest, EveryReasonAndItsRedisableFlag) {
         {{{"kvlxrLastLogin", "20260401000000Z 10.0.0.1"},
           {"kvlxrAccountInactivityDays", "30"},
           {"kvlxrBaseDate", "20260520000000Z reset"}},
-         "", {}},
+         "",
+         {}},
         {{{"kvlxrDisableUntil", "FOREVER x"}, {"kvlxrFailureCount", "6"}},
-         "Disabled forever,Failure count 6 reached the maximum of 5", {"kvlxrfailurecount"}},
+         "Disabled forever,Failure count 6 reached the maximum of 5",
+         {"kvlxrfailurecount"}},
         {{{"kvlxrDisableAfter", "garbage"}}, "", {}},
     };
     for (const Case& c : cases) {
@@ -70,8 +81,8 @@ TEST(AccountStateTest, GroupsWithAReasonDisableTheirMembers) {
     GroupConfig locked{"cn=locked,o=t", "#Locked", "Locked by policy"};
     GroupConfig plain{"cn=vpn,o=t", "VPN", ""};
     Policy policy;
-    AccountState state = EvaluateAccount(User({}), policy,
-                                         {{&locked, true}, {&plain, true}}, testing::kNow);
+    AccountState state =
+        EvaluateAccount(User({}), policy, {{&locked, true}, {&plain, true}}, testing::kNow);
     EXPECT_EQ(state.DisabledText(), "Locked by policy");
     state = EvaluateAccount(User({}), policy, {{&locked, false}}, testing::kNow);
     EXPECT_EQ(state.DisabledText(), "");

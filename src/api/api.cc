@@ -60,13 +60,14 @@ int Guarded(char* message, int messageSize, Fn body) {
     }
 }
 
-std::string Text(const char* p) { return p ? p : ""; }
+std::string Text(const char* p) {
+    return p ? p : "";
+}
 
 }  // namespace
 
-extern "C" int LXRAdminGetDirectory(const char* identity, char* reply, int replySize,
-                                    char* message, int messageSize, const char*, const char*,
-                                    const char*) {
+extern "C" int LXRAdminGetDirectory(const char* identity, char* reply, int replySize, char* message,
+                                    int messageSize, const char*, const char*, const char*) {
     return Guarded(message, messageSize, [&] {
         std::shared_ptr<const lxrapi::Config> config;
         Status s = lxrapi::CurrentConfig(&config);
@@ -81,8 +82,7 @@ extern "C" int LXRAdminGetDirectory(const char* identity, char* reply, int reply
 
 extern "C" int LXRAdminRead(const char* identity, const char* administratorPath,
                             const char* userPath, char* reply, int replySize, char* message,
-                            int messageSize, const char*, const char*, const char*,
-                            const char*) {
+                            int messageSize, const char*, const char*, const char*, const char*) {
     return Guarded(message, messageSize, [&] {
         std::shared_ptr<const lxrapi::Config> config;
         Status s = lxrapi::CurrentConfig(&config);

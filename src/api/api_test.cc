@@ -20,7 +20,7 @@ constexpr const char* kAdmin = "LDAP://ldap1/uid=lead,ou=admins,o=t";
 constexpr char kGuard = '\x5a';
 
 class ApiTest : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
         store_ = dir_.File("people.db");
         std::unique_ptr<SqliteStore> s;
@@ -59,8 +59,8 @@ protected:
     int Write(const std::string& body, std::string* message = nullptr) {
         char text[1024] = {};
         std::string doc = "<User name=\"uid=ann,ou=people,o=t\">" + body + "</User>";
-        int rc = LXRAdminWrite("desk", kAdmin, doc.c_str(), text, sizeof text, "LXRAdmin=YES",
-                               "EN", "US", nullptr);
+        int rc = LXRAdminWrite("desk", kAdmin, doc.c_str(), text, sizeof text, "LXRAdmin=YES", "EN",
+                               "US", nullptr);
         if (message) *message = text;
         return rc;
     }
@@ -98,13 +98,13 @@ TEST_F(ApiTest, ReplyBufferLimits) {
     EXPECT_EQ(Read("people/ann", 0, 256), kBufferTooSmall);
 
     char message[64] = {};
-    EXPECT_EQ(LXRAdminRead("desk", kAdmin, "people/ann", nullptr, 100, message, sizeof message,
-                           "", "", "", nullptr),
+    EXPECT_EQ(LXRAdminRead("desk", kAdmin, "people/ann", nullptr, 100, message, sizeof message, "",
+                           "", "", nullptr),
               kBufferTooSmall);
     std::vector<char> reply(100, kGuard);
-    EXPECT_EQ(LXRAdminGetDirectory("desk", reply.data(), 20, message, sizeof message, "", "",
-                                   nullptr),
-              kBufferTooSmall);
+    EXPECT_EQ(
+        LXRAdminGetDirectory("desk", reply.data(), 20, message, sizeof message, "", "", nullptr),
+        kBufferTooSmall);
     for (size_t i = 20; i < reply.size(); ++i) EXPECT_EQ(reply[i], kGuard);
 }
 
@@ -128,13 +128,13 @@ TEST_F(ApiTest, ConfigurationAndStoreFaultsAreCommunicationErrors) {
     EXPECT_EQ(Read("people/ann", 4096, 1024), kUnreachable);
     EXPECT_EQ(std::string(message_.data()), config_ + ":5: unknown key \"colour\" in directory 1");
     char message[512] = {};
-    EXPECT_EQ(LXRAdminWrite("desk", kAdmin, "<User name=\"x\"></User>", message, sizeof message,
-                            "", "", "", nullptr),
+    EXPECT_EQ(LXRAdminWrite("desk", kAdmin, "<User name=\"x\"></User>", message, sizeof message, "",
+                            "", "", nullptr),
               kUnreachable);
     std::vector<char> reply(4096);
-    EXPECT_EQ(LXRAdminGetDirectory("desk", reply.data(), 4096, message, sizeof message, "", "",
-                                   nullptr),
-              kUnreachable);
+    EXPECT_EQ(
+        LXRAdminGetDirectory("desk", reply.data(), 4096, message, sizeof message, "", "", nullptr),
+        kUnreachable);
 
     setenv("LXRAPI_CONFIG", dir_.File("absent.toml").c_str(), 1);
     EXPECT_EQ(Read("people/ann", 4096, 1024), kUnreachable);
@@ -157,9 +157,9 @@ TEST_F(ApiTest, AWriteShowsInTheNextRead) {
     std::string doc = ReadDocument();
     EXPECT_NE(doc.find("disabled=\"Disabled forever\""), std::string::npos);
     EXPECT_NE(doc.find("<Value>FOREVER held &amp; <b></Value>"), std::string::npos);
-    EXPECT_EQ(Write("<Attribute name=\"kvlxrDisableUntil\"><Value>soon</Value></Attribute>",
-                    &message),
-              kBadRequest);
+    EXPECT_EQ(
+        Write("<Attribute name=\"kvlxrDisableUntil\"><Value>soon</Value></Attribute>", &message),
+        kBadRequest);
     EXPECT_NE(message.find("kvlxrDisableUntil"), std::string::npos);
     EXPECT_EQ(LXRAdminWrite("desk", kAdmin, nullptr, nullptr, 0, "", "", "", nullptr), kBadRequest);
 }

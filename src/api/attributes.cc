@@ -21,14 +21,13 @@ const std::vector<AttributeInfo>& AttributeTable() {
         {"kvlxrNextAction", "#Next Action", S::kStatus, F::kStampComment, false},
         {"kvlxrImmediateChange", "#Change Password at Next Login", S::kStatus, F::kFlag, true},
         {"userPassword", "#Password", S::kPassword, F::kPassword, true},
-        {"kvlxrLastPasswordChange", "#Last Password Change", S::kPassword, F::kStampComment,
-         false},
+        {"kvlxrLastPasswordChange", "#Last Password Change", S::kPassword, F::kStampComment, false},
         {"kvlxrExpirePasswordDays", "#Password Lifetime", S::kPassword, F::kDaysComment, true},
         {"kvlxrGraceLoginsUsed", "#Grace Logins Used", S::kPassword, F::kCountComment, true},
         {"kvlxrHistory", "#Password History", S::kPassword, F::kSecret, false},
         {"kvlxrFailureCount", "#Failure Count", S::kActivity, F::kCountStampAddress, true},
-        {"kvlxrRealmBasedFailureCount", "#Realm Failure Count", S::kActivity,
-         F::kCountStampAddress, true},
+        {"kvlxrRealmBasedFailureCount", "#Realm Failure Count", S::kActivity, F::kCountStampAddress,
+         true},
         {"kvfpsLockoutCounter", "#Lockout Counter", S::kActivity, F::kCountStampAddress, true},
         {"kvlxrMaxFailures", "#Most Failures", S::kActivity, F::kCountStampAddress, false},
         {"kvlxrFailuresSinceLastLogin", "#Failures Since Last Login", S::kActivity,
@@ -52,24 +51,34 @@ const AttributeInfo* FindAttribute(std::string_view name) {
     return nullptr;
 }
 
-bool IsHistory(const AttributeInfo& info) { return info.form == ValueForm::kHistoryEntry; }
+bool IsHistory(const AttributeInfo& info) {
+    return info.form == ValueForm::kHistoryEntry;
+}
 
 const char* SectionName(Section section) {
     switch (section) {
-        case Section::kStatus: return "status";
-        case Section::kPassword: return "password";
-        case Section::kActivity: return "activity";
-        case Section::kRedirects: return "redirects";
+        case Section::kStatus:
+            return "status";
+        case Section::kPassword:
+            return "password";
+        case Section::kActivity:
+            return "activity";
+        case Section::kRedirects:
+            return "redirects";
     }
     return "";
 }
 
 const char* SectionPrompt(Section section) {
     switch (section) {
-        case Section::kStatus: return "#Account Status";
-        case Section::kPassword: return "#Password";
-        case Section::kActivity: return "#Activity and History";
-        case Section::kRedirects: return "#Redirects";
+        case Section::kStatus:
+            return "#Account Status";
+        case Section::kPassword:
+            return "#Password";
+        case Section::kActivity:
+            return "#Activity and History";
+        case Section::kRedirects:
+            return "#Redirects";
     }
     return "";
 }
@@ -84,7 +93,9 @@ bool IsStamp(std::string_view word) {
     return ParseStamp(word, &when);
 }
 
-bool IsCount(std::string_view word) { return AllDigits(word) && word.size() <= kMaxCountDigits; }
+bool IsCount(std::string_view word) {
+    return AllDigits(word) && word.size() <= kMaxCountDigits;
+}
 
 // An address as the login services record it: IPv4, IPv6 or a host name.
 bool IsAddress(std::string_view word) {

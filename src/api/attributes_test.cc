@@ -82,7 +82,8 @@ TEST(AttributesTest, ValuesAreCheckedAgainstTheirForm) {
             EXPECT_NE(s.message().find(c.value), std::string::npos) << s.message();
         }
     }
-    EXPECT_FALSE(ValidateValue(*FindAttribute("kvlxrImmediateChange"), std::string(2000, 'x')).ok());
+    EXPECT_FALSE(
+        ValidateValue(*FindAttribute("kvlxrImmediateChange"), std::string(2000, 'x')).ok());
 }
 
 }  // namespace

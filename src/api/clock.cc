@@ -20,7 +20,9 @@ int Digits(std::string_view s, size_t at, size_t n) {
     for (size_t i = at; i < at + n; ++i) v = v * 10 + (s[i] - '0');
     return v;
 }
-bool IsLeap(int y) { return (y % 4 == 0 && y % 100 != 0) || y % 400 == 0; }
+bool IsLeap(int y) {
+    return (y % 4 == 0 && y % 100 != 0) || y % 400 == 0;
+}
 }  // namespace
 
 bool ParseStamp(std::string_view word, std::time_t* when) {

@@ -1,6 +1,7 @@
 #include "config.h"
 
 #include <sys/stat.h>
+#include <toml++/toml.h>
 
 #include <cerrno>
 #include <cstdlib>
@@ -8,7 +9,6 @@
 #include <fstream>
 #include <mutex>
 #include <sstream>
-#include <toml++/toml.h>
 
 #include "text.h"
 
@@ -37,7 +37,7 @@ namespace {
 
 // Collects the first problem with its line; later checks are skipped.
 class Reader {
-public:
+  public:
     explicit Reader(const std::string& path) : path_(path) {}
 
     bool Fail(int line, const std::string& problem) {
@@ -58,8 +58,9 @@ public:
         for (const auto& [key, node] : table) {
             bool ok = false;
             for (const char* k : known) ok = ok || key.str() == k;
-            if (!ok) return Fail(Line(node), std::string("unknown key \"") + std::string(key.str()) +
-                                                 "\" in " + where);
+            if (!ok)
+                return Fail(Line(node), std::string("unknown key \"") + std::string(key.str()) +
+                                            "\" in " + where);
         }
         return true;
     }
@@ -75,8 +76,8 @@ public:
             return Fail(Line(*node), std::string(where) + ": \"" + key + "\" must be a string");
         *out = node->as_string()->get();
         if (out->find('"') != std::string::npos)
-            return Fail(Line(*node), std::string(where) + ": \"" + key +
-                                         "\" must not hold a quotation mark");
+            return Fail(Line(*node),
+                        std::string(where) + ": \"" + key + "\" must not hold a quotation mark");
         return true;
     }
 
@@ -97,7 +98,8 @@ public:
         const toml::node* node = t.get(key);
         if (!node) return true;
         if (!node->is_boolean())
-            return Fail(Line(*node), std::string(where) + ": \"" + key + "\" must be true or false");
+            return Fail(Line(*node),
+                        std::string(where) + ": \"" + key + "\" must be true or false");
         *out = node->as_boolean()->get();
         return true;
     }
@@ -116,8 +118,8 @@ public:
                                          "\" must be \"*\" or a list of strings");
         for (const toml::node& item : *array) {
             if (!item.is_string() || item.as_string()->get().empty())
-                return Fail(Line(item), std::string(where) + ": \"" + key +
-                                            "\" must hold non-empty strings");
+                return Fail(Line(item),
+                            std::string(where) + ": \"" + key + "\" must hold non-empty strings");
             const std::string& s = item.as_string()->get();
             if (s == "*")
                 out->all = true;
@@ -135,7 +137,7 @@ public:
         return folder + "/" + store;
     }
 
-private:
+  private:
     std::string path_;
     bool failed_ = false;
     Status status_;
@@ -264,8 +266,8 @@ bool EachTable(Reader& r, const toml::table& root, const char* key, Fn fn) {
     if (!node) return true;
     const toml::array* array = node->as_array();
     if (!array || !array->is_array_of_tables())
-        return r.Fail(Reader::Line(*node), std::string("\"") + key + "\" must be written [[" +
-                                               key + "]]");
+        return r.Fail(Reader::Line(*node),
+                      std::string("\"") + key + "\" must be written [[" + key + "]]");
     int i = 0;
     for (const toml::node& item : *array)
         if (!fn(*item.as_table(), i++)) return false;
@@ -286,9 +288,8 @@ bool ReadRoot(Reader& r, const toml::table& root, Config* config) {
         if (!node->as_table()) return r.Fail(Reader::Line(*node), "\"policy\" must be a table");
         if (!ReadPolicy(r, *node->as_table(), &config->policy)) return false;
     }
-    if (!EachTable(r, root, "directory", [&](const toml::table& t, int i) {
-            return ReadDirectory(r, t, i, config);
-        }))
+    if (!EachTable(r, root, "directory",
+                   [&](const toml::table& t, int i) { return ReadDirectory(r, t, i, config); }))
         return false;
     if (config->directories.empty()) return r.Fail(1, "no [[directory]] is declared");
     if (const toml::node* node = root.get("administrators")) {
@@ -328,8 +329,8 @@ Status ParseConfig(std::string_view text, const std::string& path, Config* confi
 Status LoadConfig(const std::string& path, Config* config) {
     std::ifstream in(path, std::ios::binary);
     if (!in)
-        return Status::Unreachable(path + ":0: cannot open the configuration file: " +
-                                   std::strerror(errno));
+        return Status::Unreachable(
+            path + ":0: cannot open the configuration file: " + std::strerror(errno));
     std::ostringstream text;
     text << in.rdbuf();
     return ParseConfig(text.str(), path, config);
@@ -347,10 +348,10 @@ Status CurrentConfig(std::shared_ptr<const Config>* config) {
     static struct stat cachedStat;
     std::lock_guard<std::mutex> lock(mutex);
     std::string path = ConfigPath();
-    struct stat st{};
+    struct stat st {};
     if (::stat(path.c_str(), &st) != 0)
-        return Status::Unreachable(path + ":0: cannot open the configuration file: " +
-                                   std::strerror(errno));
+        return Status::Unreachable(
+            path + ":0: cannot open the configuration file: " + std::strerror(errno));
     if (cached && cachedPath == path && st.st_ino == cachedStat.st_ino &&
         st.st_size == cachedStat.st_size && st.st_mtim.tv_sec == cachedStat.st_mtim.tv_sec &&
         st.st_mtim.tv_nsec == cachedStat.st_mtim.tv_nsec) {

@@ -28,10 +28,10 @@ struct GroupConfig {
 };
 
 struct DirectoryConfig {
-    std::string id;     // what the selection page posts back as USERDIR
-    std::string name;   // display name
-    std::string store;  // absolute path of the store
-    std::string base;   // DN under which the directory's users live
+    std::string id;                   // what the selection page posts back as USERDIR
+    std::string name;                 // display name
+    std::string store;                // absolute path of the store
+    std::string base;                 // DN under which the directory's users live
     std::vector<std::string> naming;  // attributes a typed user name is matched against
     std::vector<GroupConfig> groups;  // in the order shown
     int line = 0;
@@ -44,22 +44,22 @@ struct PasswordRules {
     int minUpper = 0;
     int minLower = 0;
     int minOther = 0;
-    bool rejectUserName = true;  // refuse a password that holds the user's naming values
+    bool rejectUserName = true;       // refuse a password that holds the user's naming values
     std::string scheme = "argon2id";  // or "sha512-crypt"
 };
 
 struct Policy {
-    int maxFailures = 5;          // failure count at which a user is locked out (0: never)
-    int passwordExpireDays = 0;   // default password lifetime (0: never expires)
-    int inactivityDays = 0;       // default inactivity limit (0: none)
+    int maxFailures = 5;         // failure count at which a user is locked out (0: never)
+    int passwordExpireDays = 0;  // default password lifetime (0: never expires)
+    int inactivityDays = 0;      // default inactivity limit (0: none)
     PasswordRules password;
 };
 
 struct Role {
     std::string name;
-    NameSet administrators;  // DNs of administrators or of groups of them
-    NameSet directories;     // directory identifiers
-    NameSet read, write;     // attribute names
+    NameSet administrators;           // DNs of administrators or of groups of them
+    NameSet directories;              // directory identifiers
+    NameSet read, write;              // attribute names
     NameSet groupsRead, groupsWrite;  // group DNs
     int line = 0;
 };

@@ -57,8 +57,7 @@ TEST(ConfigTest, FaultsNameFileLineAndProblem) {
         {dir + role + "[policy\n", 8, "expected ']'"},  // TOML syntax
         {dir + "colour = \"red\"\n" + role, 5, "unknown key \"colour\" in directory 1"},
         {"[[directory]]\nid = \"d\"\nbase = \"o=t\"\n" + role, 1, "\"store\" is missing"},
-        {"[[directory]]\nid = \"a/b\"\nstore = \"s\"\nbase = \"o=t\"\n" + role, 1,
-         "without \"/\""},
+        {"[[directory]]\nid = \"a/b\"\nstore = \"s\"\nbase = \"o=t\"\n" + role, 1, "without \"/\""},
         {dir + dir + role, 5, "used twice"},
         {"[[directory]]\nid = \"d\"\nstore = \"s\"\nbase = \"nodn\"\n" + role, 1,
          "\"base\" is not a distinguished name"},

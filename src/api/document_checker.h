@@ -28,7 +28,7 @@ struct CheckedUser {
 };
 
 class DocumentChecker {
-public:
+  public:
     // True when `text` is a well-formed user document; else `error` says
     // where it failed.
     bool ReadUser(const std::string& text, CheckedUser* user);
@@ -37,7 +37,7 @@ public:
                          std::vector<std::pair<std::string, std::string>>* list);
     std::string error;
 
-private:
+  private:
     bool Fail(const char* what);
     void Skip();
     bool At(const char* literal) const;
@@ -45,8 +45,8 @@ private:
     bool Text(std::string* out, bool* seen);
     bool Bool(bool* out, bool* seen);
     bool Attributes(const char* end, std::vector<const char*> names,
-                    std::vector<std::string*> texts, std::vector<bool*> bools,
-                    bool* redisable, std::string* member);
+                    std::vector<std::string*> texts, std::vector<bool*> bools, bool* redisable,
+                    std::string* member);
 
     std::string text_;
     size_t pos_ = 0;

@@ -4,13 +4,18 @@ namespace lxrapi {
 
 namespace {
 
-const char* Bool(bool b) { return b ? "true" : "false"; }
+const char* Bool(bool b) {
+    return b ? "true" : "false";
+}
 
 const char* MemberText(Membership m) {
     switch (m) {
-        case Membership::kMember: return "true";
-        case Membership::kNotMember: return "false";
-        case Membership::kRestricted: return "restricted";
+        case Membership::kMember:
+            return "true";
+        case Membership::kNotMember:
+            return "false";
+        case Membership::kRestricted:
+            return "restricted";
     }
     return "restricted";
 }

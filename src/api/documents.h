@@ -31,7 +31,7 @@ struct GroupView {
 
 struct UserView {
     std::string dn;
-    std::string disabled;  // reasons joined by ","; empty: not disabled
+    std::string disabled;                   // reasons joined by ","; empty: not disabled
     std::vector<AttributeView> attributes;  // in table order
     std::vector<GroupView> groups;          // in configuration order
 };

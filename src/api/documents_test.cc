@@ -112,9 +112,10 @@ TEST(DocumentsTest, CheckerRefusesMalformedDocuments) {
     testing::DocumentChecker checker;
     testing::CheckedUser user;
     for (const char* text : bad) EXPECT_FALSE(checker.ReadUser(text, &user)) << text;
-    EXPECT_TRUE(checker.ReadUser("<User name=\" x\"><Attribute read=\" true \"><Value>  5 "
-                                 "</Value></Attribute></User>",
-                                 &user))
+    EXPECT_TRUE(
+        checker.ReadUser("<User name=\" x\"><Attribute read=\" true \"><Value>  5 "
+                         "</Value></Attribute></User>",
+                         &user))
         << checker.error;
     EXPECT_EQ(user.name, "x");
     EXPECT_EQ(user.attributes[0].values[0], "5 ");

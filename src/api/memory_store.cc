@@ -7,7 +7,7 @@ namespace lxrapi {
 namespace {
 
 class MemoryTransaction : public StoreWriter {
-public:
+  public:
     explicit MemoryTransaction(MemoryStore::Data* data) : data_(data) {}
 
     Status Get(std::string_view dn, Entry* entry, bool* found) override {
@@ -66,7 +66,7 @@ public:
         return Status::OK();
     }
 
-private:
+  private:
     Entry* FindEntry(std::string_view dn) {
         std::string key = DnKey(dn);
         for (Entry& e : data_->entries)

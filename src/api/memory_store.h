@@ -11,7 +11,7 @@
 namespace lxrapi {
 
 class MemoryStore : public Store {
-public:
+  public:
     explicit MemoryStore(std::string name = "memory") : name_(std::move(name)) {}
     Status Read(const std::function<Status(StoreReader&)>& body) override;
     Status Write(const std::function<Status(StoreWriter&)>& body) override;
@@ -22,7 +22,7 @@ public:
         std::vector<AuditRecord> audit;
     };
 
-private:
+  private:
     std::string name_;
     std::mutex mutex_;
     Data data_;
@@ -30,11 +30,11 @@ private:
 
 // Provides MemoryStores by path; Add makes one available.
 class MemoryStoreProvider : public StoreProvider {
-public:
+  public:
     MemoryStore* Add(const std::string& path);
     Status Open(const std::string& path, Store** store) override;
 
-private:
+  private:
     std::map<std::string, std::unique_ptr<MemoryStore>> stores_;
 };
 

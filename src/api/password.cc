@@ -40,10 +40,14 @@ Status CheckPassword(const PasswordRules& rules, std::string_view password,
         else
             ++other;
     }
-    if (digits < rules.minDigits) return bad("needs at least " + std::to_string(rules.minDigits) + " digits");
-    if (upper < rules.minUpper) return bad("needs at least " + std::to_string(rules.minUpper) + " upper-case letters");
-    if (lower < rules.minLower) return bad("needs at least " + std::to_string(rules.minLower) + " lower-case letters");
-    if (other < rules.minOther) return bad("needs at least " + std::to_string(rules.minOther) + " other characters");
+    if (digits < rules.minDigits)
+        return bad("needs at least " + std::to_string(rules.minDigits) + " digits");
+    if (upper < rules.minUpper)
+        return bad("needs at least " + std::to_string(rules.minUpper) + " upper-case letters");
+    if (lower < rules.minLower)
+        return bad("needs at least " + std::to_string(rules.minLower) + " lower-case letters");
+    if (other < rules.minOther)
+        return bad("needs at least " + std::to_string(rules.minOther) + " other characters");
     if (rules.rejectUserName) {
         std::string folded = Lower(password);
         for (const std::string& name : userNames)
@@ -75,9 +79,9 @@ Status HashPassword(const PasswordRules& rules, std::string_view password, std::
     size_t length = argon2_encodedlen(kArgonTime, kArgonMemoryKiB, kArgonLanes, kSaltBytes,
                                       kHashBytes, Argon2_id);
     std::string encoded(length, '\0');
-    int rc = argon2id_hash_encoded(kArgonTime, kArgonMemoryKiB, kArgonLanes, clear.data(),
-                                   clear.size(), salt, sizeof salt, kHashBytes, encoded.data(),
-                                   encoded.size());
+    int rc =
+        argon2id_hash_encoded(kArgonTime, kArgonMemoryKiB, kArgonLanes, clear.data(), clear.size(),
+                              salt, sizeof salt, kHashBytes, encoded.data(), encoded.size());
     if (rc != ARGON2_OK)
         return Status::UpdateFailed(std::string("the password could not be hashed: ") +
                                     argon2_error_message(rc));

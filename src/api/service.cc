@@ -64,8 +64,10 @@ Status SearchDirectory(StoreProvider& stores, const DirectoryConfig& d, std::str
 Status FindUser(const Config& config, StoreProvider& stores, const Role& role,
                 std::string_view userPath, FoundUser* found) {
     size_t slash = userPath.find('/');
-    std::string_view id = slash == std::string_view::npos ? std::string_view() : userPath.substr(0, slash);
-    std::string_view user = Trim(slash == std::string_view::npos ? userPath : userPath.substr(slash + 1));
+    std::string_view id =
+        slash == std::string_view::npos ? std::string_view() : userPath.substr(0, slash);
+    std::string_view user =
+        Trim(slash == std::string_view::npos ? userPath : userPath.substr(slash + 1));
     if (user.empty()) return Status::UserUnreadable("no user was named");
     std::vector<const DirectoryConfig*> candidates;
     if (id.empty()) {
@@ -94,7 +96,9 @@ Status FindUser(const Config& config, StoreProvider& stores, const Role& role,
     return Status::OK();
 }
 
-bool SafeValue(const std::string& v) { return v.find("</Value>") == std::string::npos; }
+bool SafeValue(const std::string& v) {
+    return v.find("</Value>") == std::string::npos;
+}
 
 UserView BuildView(const Config& config, const Role& role, const FoundUser& found) {
     const DirectoryConfig& d = *found.directory;
@@ -125,8 +129,9 @@ UserView BuildView(const Config& config, const Role& role, const FoundUser& foun
         g.read = MayReadGroup(role, d.groups[i].dn);
         g.write = MayWriteGroup(role, d.groups[i].dn);
         if (!g.read && !g.write) continue;
-        g.member = !g.read ? Membership::kRestricted
-                           : found.member[i] ? Membership::kMember : Membership::kNotMember;
+        g.member = !g.read           ? Membership::kRestricted
+                   : found.member[i] ? Membership::kMember
+                                     : Membership::kNotMember;
         view.groups.push_back(g);
     }
     return view;
@@ -146,8 +151,8 @@ Status GetDirectories(const Config& config, std::string_view identity, std::stri
 }
 
 Status ReadUser(const Config& config, StoreProvider& stores, std::string_view identity,
-                std::string_view administratorPath, std::string_view userPath,
-                std::string* reply, int* attributeCount) {
+                std::string_view administratorPath, std::string_view userPath, std::string* reply,
+                int* attributeCount) {
     const Role* role = nullptr;
     Status s = FindRole(config, identity, &role);
     if (!s.ok()) return s;
@@ -259,8 +264,9 @@ Status CheckValues(const UpdateDocument& doc, Plan* plan) {
             size_t given = 0;
             for (const std::string& v : a.values) given += v.empty() ? 0 : 1;
             if (given != 1)
-                return Status::BadRequest("attribute userPassword: exactly one new password "
-                                          "must be given");
+                return Status::BadRequest(
+                    "attribute userPassword: exactly one new password "
+                    "must be given");
             plan->changesPassword = true;
             continue;
         }
@@ -275,8 +281,7 @@ Status CheckValues(const UpdateDocument& doc, Plan* plan) {
 
 // Reads the user outside the write transaction so that a new password can be
 // checked against the user's names and hashed before the write lock is taken.
-Status PreparePassword(const Config& config, Store& store, const UpdateDocument& doc,
-                       Plan* plan) {
+Status PreparePassword(const Config& config, Store& store, const UpdateDocument& doc, Plan* plan) {
     Entry user;
     bool found = false;
     Status s = store.Read([&](StoreReader& r) { return r.Get(doc.userDn, &user, &found); });
@@ -344,7 +349,8 @@ Status ApplyPlan(StoreWriter& w, const Plan& plan, AuditRecord* audit) {
         if (oldValues == newValues) continue;
         if (!(s = w.Replace(before.dn, name, newValues)).ok()) return s;
         bool secret = EqualsNoCase(name, "userPassword");
-        audit->changes.push_back({name, secret && !oldValues.empty() ? kRedacted : Joined(oldValues),
+        audit->changes.push_back({name,
+                                  secret && !oldValues.empty() ? kRedacted : Joined(oldValues),
                                   secret ? kRedacted : Joined(newValues)});
     }
 

@@ -22,8 +22,8 @@ Status GetDirectories(const Config& config, std::string_view identity, std::stri
 // regard to (ASCII) case, against the directory's naming attributes.
 // `attributeCount` receives the number of Attribute elements in the reply.
 Status ReadUser(const Config& config, StoreProvider& stores, std::string_view identity,
-                std::string_view administratorPath, std::string_view userPath,
-                std::string* reply, int* attributeCount);
+                std::string_view administratorPath, std::string_view userPath, std::string* reply,
+                int* attributeCount);
 
 // Applies an update document in one transaction, all or nothing, and records
 // it in the store's audit trail. Checks every attribute and group against the

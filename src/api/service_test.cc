@@ -13,7 +13,7 @@ constexpr const char* kLead = "LDAP://ldap1/uid=lead,ou=admins,o=t";
 constexpr const char* kAnn = "uid=ann,ou=people,o=t";
 
 class ServiceTest : public ::testing::Test {
-protected:
+  protected:
     Status Read(const char* role, const char* admin, const char* userPath, int* count = nullptr) {
         int n = -1;
         reply_.clear();
@@ -242,14 +242,14 @@ TEST_F(ServiceTest, ForbiddenOrBadWritesChangeNothing) {
          kAccessDenied, "kvlxrMustLoginBy"},
         {good + "<Attribute name=\"kvlxrLastLogin\"><Value/></Attribute>", "desk", kAnn,
          kAccessDenied, "kvlxrLastLogin"},
-        {good + "<Attribute name=\"cn\"><Value>x</Value></Attribute>", "desk", kAnn,
-         kAccessDenied, "cn"},
+        {good + "<Attribute name=\"cn\"><Value>x</Value></Attribute>", "desk", kAnn, kAccessDenied,
+         "cn"},
         {good + "<Group name=\"cn=other,o=t\" member=\"1\"/>", "desk", kAnn, kAccessDenied,
          "cn=other,o=t"},
         {good, "reader", kAnn, kAccessDenied, "\"reader\""},  // lead is not a reader
         {good, "desk", "uid=x,ou=elsewhere,o=t", kAccessDenied, "uid=x,ou=elsewhere,o=t"},
-        {good + "<Attribute name=\"kvlxrDisableUntil\"><Value>tomorrow</Value></Attribute>",
-         "desk", kAnn, kBadRequest, "tomorrow"},
+        {good + "<Attribute name=\"kvlxrDisableUntil\"><Value>tomorrow</Value></Attribute>", "desk",
+         kAnn, kBadRequest, "tomorrow"},
         {good + "<Attribute name=\"kvlxrGenerationalRedirects\"><Value>noequals</Value>"
                 "</Attribute>",
          "desk", kAnn, kBadRequest, "noequals"},

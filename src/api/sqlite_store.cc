@@ -46,7 +46,7 @@ CREATE TABLE audit_change(
 
 // One use of a cached statement: binds, steps, and resets it on the way out.
 class Query {
-public:
+  public:
     Query(SqliteStore& store, const char* sql) : store_(store) {
         stmt_ = store.Statement(sql, &status_);
     }
@@ -87,14 +87,14 @@ public:
     }
     long long Int(int col) const { return sqlite3_column_int64(stmt_, col); }
 
-private:
+  private:
     SqliteStore& store_;
     sqlite3_stmt* stmt_ = nullptr;
     Status status_;
 };
 
 class SqliteTransaction : public StoreWriter {
-public:
+  public:
     explicit SqliteTransaction(SqliteStore& store) : store_(store) {}
 
     Status EntryId(std::string_view dn, long long* id, std::string* storedDn) {
@@ -216,7 +216,8 @@ public:
     Status InsertValues(long long id, std::string_view attribute,
                         const std::vector<std::string>& values) {
         for (const std::string& v : values) {
-            Query q(store_, "INSERT INTO value(entry, attr, attr_key, text) VALUES(?1, ?2, ?3, ?4)");
+            Query q(store_,
+                    "INSERT INTO value(entry, attr, attr_key, text) VALUES(?1, ?2, ?3, ?4)");
             if (!q.ok()) return q.status();
             q.Bind(1, id).Bind(2, attribute).Bind(3, Lower(attribute)).Bind(4, v);
             Status s = q.Run();
@@ -286,14 +287,17 @@ public:
                     "INSERT INTO audit_change(audit, seq, attribute, old_value, new_value) "
                     "VALUES(?1, ?2, ?3, ?4, ?5)");
             if (!q.ok()) return q.status();
-            q.Bind(1, id).Bind(2, ++seq).Bind(3, c.attribute).Bind(4, c.oldValue).Bind(5,
-                                                                                     c.newValue);
+            q.Bind(1, id)
+                .Bind(2, ++seq)
+                .Bind(3, c.attribute)
+                .Bind(4, c.oldValue)
+                .Bind(5, c.newValue);
             if (!(s = q.Run()).ok()) return s;
         }
         return Status::OK();
     }
 
-private:
+  private:
     SqliteStore& store_;
 };
 
@@ -313,8 +317,8 @@ Status SqliteStore::Error(const std::string& what) const {
     int code = sqlite3_errcode(db_);
     std::string text = "directory store " + path_ + ": " + what + ": " + sqlite3_errmsg(db_);
     if (code == SQLITE_BUSY || code == SQLITE_LOCKED)
-        return Status::Unreachable("directory store " + path_ + " is locked: " +
-                                   sqlite3_errmsg(db_));
+        return Status::Unreachable("directory store " + path_ +
+                                   " is locked: " + sqlite3_errmsg(db_));
     if (code == SQLITE_CONSTRAINT) return Status::UpdateFailed(text);
     return Status::Unreachable(text);
 }
@@ -336,17 +340,19 @@ Status SqliteStore::Exec(const char* sql) {
     return Status::OK();
 }
 
-void SqliteStore::SetBusyTimeout(int ms) { sqlite3_busy_timeout(db_, ms); }
+void SqliteStore::SetBusyTimeout(int ms) {
+    sqlite3_busy_timeout(db_, ms);
+}
 
 Status SqliteStore::Open(const std::string& path, int busyTimeoutMs,
                          std::unique_ptr<SqliteStore>* store) {
-    struct stat st{};
+    struct stat st {};
     if (::stat(path.c_str(), &st) != 0) return OpenFailure(path, "no such file");
     if (::access(path.c_str(), R_OK | W_OK) != 0)
         return OpenFailure(path, "not readable and writable by this process");
     sqlite3* db = nullptr;
-    int rc = sqlite3_open_v2(path.c_str(), &db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX,
-                             nullptr);
+    int rc =
+        sqlite3_open_v2(path.c_str(), &db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
     if (rc != SQLITE_OK) {
         std::string why = db ? sqlite3_errmsg(db) : "out of memory";
         sqlite3_close_v2(db);
@@ -357,8 +363,9 @@ Status SqliteStore::Open(const std::string& path, int busyTimeoutMs,
     // One look at the header: our application id and schema version.
     Status status;
     {
-        Query q(*s, "SELECT (SELECT application_id FROM pragma_application_id), "
-                    "(SELECT user_version FROM pragma_user_version)");
+        Query q(*s,
+                "SELECT (SELECT application_id FROM pragma_application_id), "
+                "(SELECT user_version FROM pragma_user_version)");
         if (!q.ok()) return OpenFailure(path, sqlite3_errmsg(db));
         if (!q.Row(&status)) return OpenFailure(path, sqlite3_errmsg(db));
         if (q.Int(0) != kApplicationId) return OpenFailure(path, "not an LXR directory store");
@@ -372,12 +379,12 @@ Status SqliteStore::Open(const std::string& path, int busyTimeoutMs,
 }
 
 Status SqliteStore::Create(const std::string& path, std::unique_ptr<SqliteStore>* store) {
-    struct stat st{};
+    struct stat st {};
     if (::stat(path.c_str(), &st) == 0) return Status::UpdateFailed(path + " already exists");
     sqlite3* db = nullptr;
-    int rc = sqlite3_open_v2(path.c_str(), &db,
-                             SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX,
-                             nullptr);
+    int rc =
+        sqlite3_open_v2(path.c_str(), &db,
+                        SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
     if (rc != SQLITE_OK) {
         std::string why = db ? sqlite3_errmsg(db) : "out of memory";
         sqlite3_close_v2(db);
@@ -400,7 +407,8 @@ Status SqliteStore::RunTransaction(const char* begin, const std::function<Status
     if (!s.ok()) return s;
     s = body();
     if (s.ok()) s = Exec("COMMIT");
-    if (!s.ok() && !sqlite3_get_autocommit(db_)) sqlite3_exec(db_, "ROLLBACK", nullptr, nullptr, nullptr);
+    if (!s.ok() && !sqlite3_get_autocommit(db_))
+        sqlite3_exec(db_, "ROLLBACK", nullptr, nullptr, nullptr);
     return s;
 }
 

@@ -17,7 +17,7 @@ struct sqlite3_stmt;
 namespace lxrapi {
 
 class SqliteStore : public Store {
-public:
+  public:
     // The schema this code reads and writes.
     static constexpr int kSchemaVersion = 1;
 
@@ -45,7 +45,7 @@ public:
     sqlite3_stmt* Statement(const char* sql, Status* status);
     Status Error(const std::string& what) const;
 
-private:
+  private:
     SqliteStore(std::string path, sqlite3* db) : path_(std::move(path)), db_(db) {}
     Status Exec(const char* sql);
     Status RunTransaction(const char* begin, const std::function<Status()>& body);
@@ -59,13 +59,13 @@ private:
 // calls in one process (benchmarks, long-running hosts) pay for opening once.
 // A child process after fork opens its own connections.
 class SqliteStoreProvider : public StoreProvider {
-public:
+  public:
     explicit SqliteStoreProvider(int busyTimeoutMs) : busyTimeoutMs_(busyTimeoutMs) {}
     Status Open(const std::string& path, Store** store) override;
     // Closes every store this process has opened (tests remove their files).
     static void CloseAll();
 
-private:
+  private:
     int busyTimeoutMs_;
 };
 

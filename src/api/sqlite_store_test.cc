@@ -11,7 +11,7 @@ namespace lxrapi {
 namespace {
 
 class SqliteStoreTest : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
         path_ = dir_.File("d.db");
         std::unique_ptr<SqliteStore> created;
@@ -50,7 +50,8 @@ TEST_F(SqliteStoreTest, LooksUpEntriesNamesAndMembers) {
         EXPECT_TRUE(r.FindByValue("ou=people,o=t", {"cn"}, "Dee Other", &dns).ok());
         EXPECT_TRUE(dns.empty());  // below another base
         bool member = false;
-        EXPECT_TRUE(r.IsMember("cn=deskers,ou=admins,o=t", "uid=agent,ou=admins,o=t", &member).ok());
+        EXPECT_TRUE(
+            r.IsMember("cn=deskers,ou=admins,o=t", "uid=agent,ou=admins,o=t", &member).ok());
         EXPECT_TRUE(member);  // stored with blanks after the commas
         EXPECT_TRUE(r.IsMember("cn=nogroup,o=t", "uid=agent,ou=admins,o=t", &member).ok());
         EXPECT_FALSE(member);
@@ -143,10 +144,12 @@ TEST_F(SqliteStoreTest, ALockHeldPastTheTimeoutIsReportedAndReadsGoOn) {
     EXPECT_EQ(s.code(), kUnreachable);
     EXPECT_NE(s.message().find("is locked"), std::string::npos) << s.message();
     EXPECT_NE(s.message().find(path_), std::string::npos);
-    EXPECT_TRUE(store_->Read([](StoreReader& r) {
-                          std::vector<std::string> dns;
-                          return r.ListDns(&dns);
-                      }).ok());
+    EXPECT_TRUE(store_
+                    ->Read([](StoreReader& r) {
+                        std::vector<std::string> dns;
+                        return r.ListDns(&dns);
+                    })
+                    .ok());
     sqlite3_exec(other, "ROLLBACK", nullptr, nullptr, nullptr);
     sqlite3_close(other);
 }

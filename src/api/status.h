@@ -21,7 +21,7 @@ enum Code : int {
 };
 
 class Status {
-public:
+  public:
     Status() = default;
     Status(int code, std::string message) : code_(code), message_(std::move(message)) {}
 
@@ -37,7 +37,7 @@ public:
     int code() const { return code_; }
     const std::string& message() const { return message_; }
 
-private:
+  private:
     int code_ = kOk;
     std::string message_;
 };

@@ -52,7 +52,7 @@ struct AuditRecord {
 
 // Reading inside a transaction. All lookups compare DNs by DnKey.
 class StoreReader {
-public:
+  public:
     virtual ~StoreReader() = default;
     // Fills `entry` and sets `found`; an absent entry is not an error.
     virtual Status Get(std::string_view dn, Entry* entry, bool* found) = 0;
@@ -69,7 +69,7 @@ public:
 };
 
 class StoreWriter : public StoreReader {
-public:
+  public:
     // Adds the entry, or replaces an entry of the same DN whole.
     virtual Status Put(const Entry& entry) = 0;
     // Replaces one attribute's values of an existing entry; none removes it.
@@ -79,7 +79,7 @@ public:
 };
 
 class Store {
-public:
+  public:
     virtual ~Store() = default;
     // Runs `body` in a read transaction.
     virtual Status Read(const std::function<Status(StoreReader&)>& body) = 0;
@@ -92,7 +92,7 @@ public:
 
 // Finds the store of `path` for this process (opening it once, lazily).
 class StoreProvider {
-public:
+  public:
     virtual ~StoreProvider() = default;
     virtual Status Open(const std::string& path, Store** store) = 0;
 };

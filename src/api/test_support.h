@@ -154,7 +154,7 @@ struct Fixture {
 
 // A fresh folder under TMPDIR, removed with its files at the end.
 class TempDir {
-public:
+  public:
     TempDir() {
         const char* base = std::getenv("TMPDIR");
         std::string pattern = std::string(base && *base ? base : "/tmp") + "/lxrapi-test-XXXXXX";
@@ -166,7 +166,7 @@ public:
     const std::string& path() const { return path_; }
     std::string File(const std::string& name) const { return path_ + "/" + name; }
 
-private:
+  private:
     std::string path_;
 };
 

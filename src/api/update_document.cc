@@ -5,16 +5,17 @@ namespace lxrapi {
 namespace {
 
 class Cursor {
-public:
+  public:
     explicit Cursor(std::string_view text) : text_(text) {}
 
     void SkipBlanks() {
-        while (pos_ < text_.size() &&
-               (text_[pos_] == ' ' || text_[pos_] == '\t' || text_[pos_] == '\r' ||
-                text_[pos_] == '\n'))
+        while (pos_ < text_.size() && (text_[pos_] == ' ' || text_[pos_] == '\t' ||
+                                       text_[pos_] == '\r' || text_[pos_] == '\n'))
             ++pos_;
     }
-    bool Peek(std::string_view literal) const { return text_.substr(pos_, literal.size()) == literal; }
+    bool Peek(std::string_view literal) const {
+        return text_.substr(pos_, literal.size()) == literal;
+    }
     bool Consume(std::string_view literal) {
         if (!Peek(literal)) return false;
         pos_ += literal.size();
@@ -35,7 +36,7 @@ public:
                                   std::to_string(pos_));
     }
 
-private:
+  private:
     std::string_view text_;
     size_t pos_ = 0;
 };

@@ -54,14 +54,16 @@ TEST(UpdateDocumentTest, ReadsTheCommandLinesOneLineForm) {
                                     &d)
                     .ok());
     EXPECT_EQ(d.attributes[0].values, (std::vector<std::string>{"1", "2"}));
-    EXPECT_TRUE(ParseUpdateDocument("<?xml version=\"1.0\"?>\r\n<User name=\"x\">\r\n</User>\r\n",
-                                    &d)
-                    .ok());
+    EXPECT_TRUE(
+        ParseUpdateDocument("<?xml version=\"1.0\"?>\r\n<User name=\"x\">\r\n</User>\r\n", &d)
+            .ok());
 }
 
 TEST(UpdateDocumentTest, GroupAttributesInEitherOrder) {
     UpdateDocument d;
-    ASSERT_TRUE(ParseUpdateDocument("<User name=\"x\"><Group member=\"0\" name=\"cn=g\"/></User>", &d).ok());
+    ASSERT_TRUE(
+        ParseUpdateDocument("<User name=\"x\"><Group member=\"0\" name=\"cn=g\"/></User>", &d)
+            .ok());
     EXPECT_EQ(d.groups[0].name, "cn=g");
     EXPECT_EQ(d.groups[0].member, "0");
 }

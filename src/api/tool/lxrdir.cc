@@ -93,7 +93,8 @@ int ImportCommand(const std::vector<std::string>& args) {
 }
 
 int Export(const std::vector<std::string>& args, bool one) {
-    if (args.size() != (one ? 2u : 1u)) return Usage(one ? "show takes STORE DN" : "export takes STORE");
+    if (args.size() != (one ? 2u : 1u))
+        return Usage(one ? "show takes STORE DN" : "export takes STORE");
     std::unique_ptr<SqliteStore> store;
     Status s = OpenStore(args[0], &store);
     if (!s.ok()) return Failed(s);
@@ -165,8 +166,8 @@ int Read(const std::vector<std::string>& args) {
     if (args.size() != 3) return Usage("read takes ROLE ADMINPATH USERPATH");
     std::vector<char> reply(kReplySize), message(kMessageSize);
     int rc = LXRAdminRead(args[0].c_str(), args[1].c_str(), args[2].c_str(), reply.data(),
-                          kReplySize - 1, message.data(), kMessageSize, "LXRAdmin=YES", "EN",
-                          "US", nullptr);
+                          kReplySize - 1, message.data(), kMessageSize, "LXRAdmin=YES", "EN", "US",
+                          nullptr);
     if (rc >= 0) {
         std::fputs(reply.data(), stdout);
         std::fflush(stdout);
