@@ -402,6 +402,7 @@ Status SqliteStore::Create(const std::string& path, std::unique_ptr<SqliteStore>
 }
 
 Status SqliteStore::RunTransaction(const char* begin, const std::function<Status()>& body) {
+    std::lock_guard<std::mutex> lock(mutex_);
     if (!db_) return Status::Unreachable("directory store " + path_ + " is closed");
     Status s = Exec(begin);
     if (!s.ok()) return s;

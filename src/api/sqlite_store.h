@@ -7,6 +7,7 @@
 
 #include <map>
 #include <memory>
+#include <mutex>
 #include <string>
 
 #include "store.h"
@@ -53,6 +54,9 @@ class SqliteStore : public Store {
     std::string path_;
     sqlite3* db_;
     std::map<const char*, sqlite3_stmt*> statements_;
+    // One transaction at a time on this connection, for hosts that call the
+    // API from several threads (a CGI process has one).
+    std::mutex mutex_;
 };
 
 // Opens each store file once per process and keeps it open, so that repeated
