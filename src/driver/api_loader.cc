@@ -1,0 +1,103 @@
+// The three API calls, forwarded into libLXRAPI, which is loaded at the
+// first call. A request that ends before it needs the directory (every
+// identity or method failure, for one) then never loads the library and the
+// libraries it depends on, which would cost more than the rest of such a
+// request together. The calls keep their names and argument lists; callers
+// cannot tell the difference.
+#include <dlfcn.h>
+
+#include <cstdio>
+#include <string>
+
+#include "lxrapi.h"
+
+#ifndef LXRAPI_LIBRARY
+#define LXRAPI_LIBRARY "libLXRAPI.so"
+#endif
+
+namespace {
+
+using GetDirectoryFn = int (*)(const char*, char*, int, char*, int, const char*, const char*,
+                               const char*);
+using ReadFn = int (*)(const char*, const char*, const char*, char*, int, char*, int, const char*,
+                       const char*, const char*, const char*);
+using WriteFn = int (*)(const char*, const char*, const char*, char*, int, const char*,
+                        const char*, const char*, const char*);
+
+// The result the API itself gives when it cannot reach its configuration or
+// store; the caller shows it like any other API failure.
+constexpr int kUnreachable = -7;
+
+struct Library {
+    GetDirectoryFn getDirectory = nullptr;
+    ReadFn read = nullptr;
+    WriteFn write = nullptr;
+    std::string error;  // why loading failed; empty when it worked
+};
+
+// Loaded once per process and never closed. The library is found the way the
+// dynamic linker finds one: the executable's run path, then
+// LD_LIBRARY_PATH and the system directories.
+const Library& Load() {
+    static const Library library = [] {
+        Library l;
+        void* handle = dlopen(LXRAPI_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+        if (handle == nullptr) {
+            const char* why = dlerror();
+            l.error = why ? why : LXRAPI_LIBRARY;
+            return l;
+        }
+        l.getDirectory = reinterpret_cast<GetDirectoryFn>(dlsym(handle, "LXRAdminGetDirectory"));
+        l.read = reinterpret_cast<ReadFn>(dlsym(handle, "LXRAdminRead"));
+        l.write = reinterpret_cast<WriteFn>(dlsym(handle, "LXRAdminWrite"));
+        if (!l.getDirectory || !l.read || !l.write) {
+            l.getDirectory = nullptr;
+            l.read = nullptr;
+            l.write = nullptr;
+            l.error = LXRAPI_LIBRARY " lacks the administration calls";
+        }
+        return l;
+    }();
+    return library;
+}
+
+// The failure of a call that could not be made. The text does not start with
+// "/", so that it is shown and never taken for an address to redirect to.
+int Unavailable(const Library& library, char* message, int messageSize) {
+    if (message != nullptr && messageSize > 0) {
+        std::snprintf(message, static_cast<size_t>(messageSize),
+                      "the administration API could not be loaded: %s", library.error.c_str());
+    }
+    return kUnreachable;
+}
+
+}  // namespace
+
+extern "C" int LXRAdminGetDirectory(const char* identity, char* reply, int replySize,
+                                    char* message, int messageSize, const char* language,
+                                    const char* country, const char* qualifier) {
+    const Library& api = Load();
+    if (!api.getDirectory) return Unavailable(api, message, messageSize);
+    return api.getDirectory(identity, reply, replySize, message, messageSize, language, country,
+                            qualifier);
+}
+
+extern "C" int LXRAdminRead(const char* identity, const char* administratorPath,
+                            const char* userPath, char* reply, int replySize, char* message,
+                            int messageSize, const char* context, const char* language,
+                            const char* country, const char* qualifier) {
+    const Library& api = Load();
+    if (!api.read) return Unavailable(api, message, messageSize);
+    return api.read(identity, administratorPath, userPath, reply, replySize, message, messageSize,
+                    context, language, country, qualifier);
+}
+
+extern "C" int LXRAdminWrite(const char* identity, const char* administratorPath,
+                             const char* updateDocument, char* message, int messageSize,
+                             const char* context, const char* language, const char* country,
+                             const char* qualifier) {
+    const Library& api = Load();
+    if (!api.write) return Unavailable(api, message, messageSize);
+    return api.write(identity, administratorPath, updateDocument, message, messageSize, context,
+                     language, country, qualifier);
+}
