@@ -14,6 +14,10 @@
 #ifndef LXRAPI_LIBRARY
 #define LXRAPI_LIBRARY "libLXRAPI.so"
 #endif
+// Where the build put the library; tried when the search by name fails.
+#ifndef LXRAPI_BUILD_PATH
+#define LXRAPI_BUILD_PATH ""
+#endif
 
 namespace {
 
@@ -35,9 +39,10 @@ struct Library {
     std::string error;  // why loading failed; empty when it worked
 };
 
-// Loaded once per process and never closed. The library is found the way the
-// dynamic linker finds one: the executable's run path, then
-// LD_LIBRARY_PATH and the system directories.
+// Loaded once per process and never closed. The library is looked for by
+// name, as the dynamic linker finds one (LD_LIBRARY_PATH, the executable's
+// run path, the system directories), then where the build put it: a
+// sanitizer's interception of dlopen hides the executable's run path.
 const Library& Load() {
     static const Library library = [] {
         Library l;
@@ -45,7 +50,9 @@ const Library& Load() {
         if (handle == nullptr) {
             const char* why = dlerror();
             l.error = why ? why : LXRAPI_LIBRARY;
-            return l;
+            if (*LXRAPI_BUILD_PATH != '\0') handle = dlopen(LXRAPI_BUILD_PATH, RTLD_NOW | RTLD_LOCAL);
+            if (handle == nullptr) return l;
+            l.error.clear();
         }
         l.getDirectory = reinterpret_cast<GetDirectoryFn>(dlsym(handle, "LXRAdminGetDirectory"));
         l.read = reinterpret_cast<ReadFn>(dlsym(handle, "LXRAdminRead"));
