@@ -11,7 +11,7 @@ namespace {
 // Translators for an application that has no catalogue, so every text is
 // its English default.
 class GetMsgTest : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
         plain_ = GetLanguage("LXRAdminNoCatalogue", "en", nullptr, false);
         withId_ = GetLanguage("LXRAdminNoCatalogue", "en", nullptr, true);
@@ -93,6 +93,8 @@ TEST_F(GetMsgTest, UnknownResultsWithoutCatalogueUseTheFallback) {
     }
 }
 
-TEST(Qualifier, IsNull) { EXPECT_EQ(Qualifier, nullptr); }
+TEST(Qualifier, IsNull) {
+    EXPECT_EQ(Qualifier, nullptr);
+}
 
 }  // namespace

@@ -25,8 +25,8 @@ using GetDirectoryFn = int (*)(const char*, char*, int, char*, int, const char*,
                                const char*);
 using ReadFn = int (*)(const char*, const char*, const char*, char*, int, char*, int, const char*,
                        const char*, const char*, const char*);
-using WriteFn = int (*)(const char*, const char*, const char*, char*, int, const char*,
-                        const char*, const char*, const char*);
+using WriteFn = int (*)(const char*, const char*, const char*, char*, int, const char*, const char*,
+                        const char*, const char*);
 
 // The result the API itself gives when it cannot reach its configuration or
 // store; the caller shows it like any other API failure.
@@ -50,7 +50,8 @@ const Library& Load() {
         if (handle == nullptr) {
             const char* why = dlerror();
             l.error = why ? why : LXRAPI_LIBRARY;
-            if (*LXRAPI_BUILD_PATH != '\0') handle = dlopen(LXRAPI_BUILD_PATH, RTLD_NOW | RTLD_LOCAL);
+            if (*LXRAPI_BUILD_PATH != '\0')
+                handle = dlopen(LXRAPI_BUILD_PATH, RTLD_NOW | RTLD_LOCAL);
             if (handle == nullptr) return l;
             l.error.clear();
         }
@@ -80,9 +81,9 @@ int Unavailable(const Library& library, char* message, int messageSize) {
 
 }  // namespace
 
-extern "C" int LXRAdminGetDirectory(const char* identity, char* reply, int replySize,
-                                    char* message, int messageSize, const char* language,
-                                    const char* country, const char* qualifier) {
+extern "C" int LXRAdminGetDirectory(const char* identity, char* reply, int replySize, char* message,
+                                    int messageSize, const char* language, const char* country,
+                                    const char* qualifier) {
     const Library& api = Load();
     if (!api.getDirectory) return Unavailable(api, message, messageSize);
     return api.getDirectory(identity, reply, replySize, message, messageSize, language, country,

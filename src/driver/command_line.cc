@@ -21,10 +21,10 @@ constexpr const char* kUsage =
     "        -R<userPath>     Specifies the user to read\n"
     "        -W<xmlPath>      Specifies the file to write";
 
-constexpr int kTextSize = 8192;      // one translated console message
-constexpr int kMessageSize = 1024;   // the API's message buffer
-constexpr int kReplySize = 32768;    // the API's reply buffer, all of it offered
-constexpr int kLineSize = 4096;      // one line of the update file
+constexpr int kTextSize = 8192;     // one translated console message
+constexpr int kMessageSize = 1024;  // the API's message buffer
+constexpr int kReplySize = 32768;   // the API's reply buffer, all of it offered
+constexpr int kLineSize = 4096;     // one line of the update file
 
 // Stores `value` into `field` unless the field already holds a value.
 bool Assign(std::string& field, const char* value) {
@@ -56,9 +56,9 @@ void Report(int result, const char* message) {
 int ReadUser(const CMDLINE& cmd, const std::string& context) {
     static char reply[kReplySize];
     char message[kMessageSize] = {};
-    int result = LXRAdminRead(cmd.adminCreds.c_str(), cmd.adminPath.c_str(),
-                              cmd.userPath.c_str(), reply, kReplySize, message, kMessageSize,
-                              context.c_str(), "EN", "US", Qualifier);
+    int result =
+        LXRAdminRead(cmd.adminCreds.c_str(), cmd.adminPath.c_str(), cmd.userPath.c_str(), reply,
+                     kReplySize, message, kMessageSize, context.c_str(), "EN", "US", Qualifier);
     if (result >= 0 && message[0] == '\0') {
         prtFormatter.printf("%s\n", reply);
         return 0;
@@ -166,9 +166,8 @@ bool Parse(int argc, char** argv, bool& syntaxError, CMDLINE& cmd) {
         }
         if (!accepted) fault();
     }
-    if (!result &&
-        (cmd.adminPath.empty() || cmd.adminCreds.empty() ||
-         (cmd.userPath.empty() && cmd.xmlPath.empty()))) {
+    if (!result && (cmd.adminPath.empty() || cmd.adminCreds.empty() ||
+                    (cmd.userPath.empty() && cmd.xmlPath.empty()))) {
         fault();
     }
     return result;

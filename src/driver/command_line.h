@@ -5,10 +5,10 @@
 #include <vector>
 
 struct CMDLINE {
-    std::string adminPath;   // -A
-    std::string adminCreds;  // -C
-    std::string userPath;    // -R
-    std::string xmlPath;     // -W
+    std::string adminPath;            // -A
+    std::string adminCreds;           // -C
+    std::string userPath;             // -R
+    std::string xmlPath;              // -W
     std::vector<std::string> macros;  // name=value arguments, in order
 };
 

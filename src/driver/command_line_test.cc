@@ -19,9 +19,13 @@ CMDLINE Line(const char* a, const char* c, const char* r, const char* w,
 }
 
 const ParseCase kParseCases[] = {
-    {{"-Auid=adm,o=org", "-Csecret", "-Ruid=u1,o=org"}, false, false,
+    {{"-Auid=adm,o=org", "-Csecret", "-Ruid=u1,o=org"},
+     false,
+     false,
      Line("uid=adm,o=org", "secret", "uid=u1,o=org", "")},
-    {{"-A", "adm", "-C", "cred", "-W", "/tmp/u.xml", "a=1", "b="}, false, false,
+    {{"-A", "adm", "-C", "cred", "-W", "/tmp/u.xml", "a=1", "b="},
+     false,
+     false,
      Line("adm", "cred", "", "/tmp/u.xml", {"a=1", "b="})},
     {{"/Aadm", "/Ccred", "/W/tmp/u.xml"}, false, false, Line("adm", "cred", "", "/tmp/u.xml")},
     {{"-A", "-C", "-Ccred", "-Ru"}, false, false, Line("-C", "cred", "u", "")},

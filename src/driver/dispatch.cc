@@ -45,7 +45,9 @@ const char* EnvWithFallback(const char* name, const char* fallback) {
     return value;
 }
 
-const char* AdministratorDN() { return EnvWithFallback("HTTP_KV_USERDN", "HTTP_KVUSERDN"); }
+const char* AdministratorDN() {
+    return EnvWithFallback("HTTP_KV_USERDN", "HTTP_KVUSERDN");
+}
 
 // The administrator's own entry: HTTP_USERPATH as it stands, else
 // namespace + "//" + server + "/" + DN. False when neither can be formed.
@@ -109,15 +111,17 @@ int ApiFailure(int result, char* message, char* status) {
     return 0;
 }
 
-bool HasArg(const char* name) { return Args.find(name) != Args.end(); }
+bool HasArg(const char* name) {
+    return Args.find(name) != Args.end();
+}
 
 std::string ArgValue(const char* name) {
     auto it = Args.find(name);
     return it == Args.end() ? std::string() : it->second;
 }
 
-int GetFlow(const char* query, const char* identity, const std::string& adminPath,
-            char* message, char* status) {
+int GetFlow(const char* query, const char* identity, const std::string& adminPath, char* message,
+            char* status) {
     if (query == nullptr || *query == '\0' || !HasArg("USER")) {
         int result = LXRAdminGetDirectory(identity, reply, kReplyRoom, message, kMessageSize,
                                           Lang->ISO(), Lang->Country(), Qualifier);
@@ -130,9 +134,9 @@ int GetFlow(const char* query, const char* identity, const std::string& adminPat
     userPath += "/";
     userPath += ArgValue("USER");
     std::string context = AdministratorContext();
-    int result = LXRAdminRead(identity, adminPath.c_str(), userPath.c_str(), reply, kReplyRoom,
-                              message, kMessageSize, context.c_str(), Lang->ISO(),
-                              Lang->Country(), Qualifier);
+    int result =
+        LXRAdminRead(identity, adminPath.c_str(), userPath.c_str(), reply, kReplyRoom, message,
+                     kMessageSize, context.c_str(), Lang->ISO(), Lang->Country(), Qualifier);
     if (result < 0) return ApiFailure(result, message, status);
     UserDisplay(reply, result);
     return 0;
@@ -223,9 +227,8 @@ int PostFlow(const char* identity, const std::string& adminPath, char* message) 
         return 0;
     }
     std::string context = AdministratorContext();
-    int result = LXRAdminWrite(identity, adminPath.c_str(), document.c_str(), message,
-                               kMessageSize, context.c_str(), Lang->ISO(), Lang->Country(),
-                               Qualifier);
+    int result = LXRAdminWrite(identity, adminPath.c_str(), document.c_str(), message, kMessageSize,
+                               context.c_str(), Lang->ISO(), Lang->Country(), Qualifier);
     // Consulted for success too, so that a plain success reads
     // "Operation Successful".
     if (message[0] == '\0') GetMsg(result, message, kMessageSize);

@@ -48,7 +48,9 @@ const BuildCase kBuildCases[] = {
      "        <Value>1</Value>\n"
      "    </Attribute>\n"
      "</User>\n"},
-    {"empty password left out", {{"LXR-USERDN", "u"}, {"USERPASSWORD", ""}}, "<User name=\"u\">\n</User>\n"},
+    {"empty password left out",
+     {{"LXR-USERDN", "u"}, {"USERPASSWORD", ""}},
+     "<User name=\"u\">\n</User>\n"},
     {"password kept as posted",
      {{"LXR-USERDN", "u"}, {"userPassword", "s3<cr&t"}},
      "<User name=\"u\">\n"
