@@ -5,8 +5,9 @@ import assert from 'node:assert/strict';
 import fs from 'node:fs';
 import path from 'node:path';
 import { after, before, describe, test } from 'node:test';
+import { DemoDirectory } from './lib/directory.mjs';
 import {
-  PROBE, TOKEN_PUNCTUATION, basicAuth, parseEnvironment, rawRequest, startApache, tempDir,
+  EXE, PROBE, TOKEN_PUNCTUATION, basicAuth, parseEnvironment, rawRequest, startApache, tempDir,
 } from './lib/web.mjs';
 
 const LOGINS = {
@@ -94,5 +95,47 @@ describe('Apache supplies the identity headers from its own login', () => {
     const r = await rawRequest(server.url, { path: '/korvelagent/dmspages/Unknown.gif' });
     assert.equal(r.status, 200);
     assert.equal(r.headers['content-type'], 'image/gif');
+  });
+});
+
+// LXRAdmin itself behind Apache, over the demo directory: each login acts in
+// its own role, and a header claiming another role is ignored.
+describe('LXRAdmin behind Apache', () => {
+  const logins = {
+    desk: { password: 'desk-secret', dn: 'uid=hd.lead,ou=admins,o=example', identity: 'helpdesk' },
+    audit: { password: 'audit-secret', dn: 'uid=auditor,ou=admins,o=example', identity: 'auditor' },
+  };
+  let server;
+  before(() => {
+    const demo = new DemoDirectory();
+    demo.openToAll();
+    server = startApache({ cgi: EXE, logins, apiConfig: demo.env.LXRAPI_CONFIG,
+      dirserver: 'ldap.example.com' });
+  });
+  after(() => server?.stop());
+
+  const rupert = (headers) => rawRequest(server.url, {
+    path: '/cgi-bin/LXRAdmin?USERDIR=staff&USER=rupert', headers,
+  });
+
+  test('the selection page needs a login', async () => {
+    assert.equal((await rawRequest(server.url, { path: '/cgi-bin/LXRAdmin' })).status, 401);
+    const r = await rawRequest(server.url, {
+      path: '/cgi-bin/LXRAdmin', headers: [basicAuth('desk', 'desk-secret')],
+    });
+    assert.equal(r.status, 200);
+    assert.match(r.body, /Enter User Specification/);
+    assert.match(r.body, /<option value="staff">Example Corp Staff/);
+  });
+
+  test('the helpdesk may change, the auditor may not, whatever headers claim', async () => {
+    const desk = await rupert([basicAuth('desk', 'desk-secret'), ['LXRADMIN', 'auditor']]);
+    assert.equal(desk.status, 200);
+    assert.match(desk.body, /<INPUT TYPE="SUBMIT" VALUE="Submit">/);
+    const audit = await rupert([['LXRADMIN', 'helpdesk'], ['KV-USERDN', logins.desk.dn],
+      basicAuth('audit', 'audit-secret')]);
+    assert.equal(audit.status, 200);
+    assert.match(audit.body, /security-hold/);
+    assert.doesNotMatch(audit.body, /TYPE="SUBMIT"/);
   });
 });

@@ -1,0 +1,397 @@
+// The pages and their scripts in Chromium, against LXRAdmin behind lighttpd
+// over a private copy of the demo directory. The server runs at the demo's
+// reference time (LXR_NOW, from examples/demo.ldif) and so does the
+// browser's clock, so pictures and "reset to now" agree on what now is.
+// After every post the directory is read back with lxrdir: the change is
+// there, and nothing else changed.
+import assert from 'node:assert/strict';
+import path from 'node:path';
+import { after, before, beforeEach, describe, test } from 'node:test';
+import { launchBrowser, newPage, screenshot } from './lib/browser.mjs';
+import { DemoDirectory, changes } from './lib/directory.mjs';
+import { startLighttpd } from './lib/web.mjs';
+
+const dnOf = (uid, ou = 'staff') => `uid=${uid},ou=${ou},o=example`;
+const SUSPENDED = 'cn=suspended,ou=groups,o=example';
+const VPN = 'cn=vpn-users,ou=groups,o=example';
+const SUCCESS = 'Operation Successful';
+const NOT_A_DATE = '[KV-LXR-12059] This is not a valid date.';
+const MUST_BE_BLANK = '[KV-LXR-12016] This field must be blank.';
+
+let demo;
+let helpdesk;
+let auditor;
+let context;
+
+before(async () => {
+  demo = new DemoDirectory();
+  const env = { LXRAPI_CONFIG: demo.env.LXRAPI_CONFIG, LXR_NOW: demo.env.LXR_NOW };
+  helpdesk = startLighttpd({ agent: path.join(demo.dir, 'agent.conf'), env });
+  auditor = startLighttpd({
+    agent: {
+      userdn: 'uid=auditor,ou=admins,o=example', namespace: 'LDAP:', server: 'ldap.example.com',
+      identity: 'auditor',
+    },
+    env,
+  });
+  context = await launchBrowser();
+  await context.clock.setFixedTime(new Date(Number(demo.env.LXR_NOW) * 1000));
+});
+
+after(async () => {
+  await context?.close();
+  helpdesk?.stop();
+  auditor?.stop();
+});
+
+beforeEach(() => demo.restore());
+
+// A new tab on one user's display page; page.posts collects every POST body.
+async function openUser(uid, { server = helpdesk, dir = 'staff' } = {}) {
+  const page = await newPage(context);
+  page.posts = [];
+  page.on('request', (r) => { if (r.method() === 'POST') page.posts.push(r.postData()); });
+  await page.goto(`${server.url}/cgi-bin/LXRAdmin?USERDIR=${dir}&USER=${encodeURIComponent(uid)}`);
+  await page.waitForSelector('form[name="DisplayForm"]');
+  return page;
+}
+
+// Submits the display page and waits for the result page's alert and its
+// return to the selection page. Resolves to the alert text and the posted
+// fields, and checks that the directory changed exactly as `expected` says
+// ({ dn: { attr: [values after] } }).
+async function submitAndCheck(page, expected) {
+  const before = demo.entries();
+  const seen = page.dialogs.length;
+  const posted = page.waitForRequest((r) => r.method() === 'POST');
+  const back = page.waitForURL((u) => u.pathname === '/cgi-bin/LXRAdmin' && u.search === '');
+  await page.click('input[type="SUBMIT"]');
+  const request = await posted;
+  await back;
+  const message = page.dialogs.slice(seen).join('|');
+  assert.equal(message, SUCCESS);
+  const got = changes(before, demo.entries());
+  const want = {};
+  for (const [dn, attrs] of Object.entries(expected)) {
+    for (const [attr, after] of Object.entries(attrs)) {
+      (want[dn] ??= {})[attr] = { before: before.get(dn)?.[attr] ?? [], after };
+    }
+  }
+  assert.deepEqual(got, want, 'the directory changed exactly as intended');
+  await page.close();
+  return new URLSearchParams(request.postData());
+}
+
+// Submits and expects the page to refuse: one alert, no post, same page.
+async function submitRefused(page) {
+  const seen = page.dialogs.length;
+  const posts = page.posts.length;
+  const url = page.url();
+  const dialog = page.waitForEvent('dialog');
+  await page.click('input[type="SUBMIT"]');
+  await dialog;
+  await page.waitForTimeout(300);
+  assert.equal(page.posts.length, posts, 'nothing was posted');
+  assert.equal(page.url(), url);
+  return page.dialogs.slice(seen).join('|');
+}
+
+// The picture an <img name=...> shows now, once it has loaded.
+function picture(page, name) {
+  return page.$eval(`img[name="${name}"]`, async (img) => {
+    if (!img.complete) await new Promise((r) => img.addEventListener('load', r, { once: true }));
+    return { file: img.src.split('/').pop(), width: img.naturalWidth, title: img.title };
+  });
+}
+
+async function chooseDate(page, name, { day, month, year, hour = '00', minute = '00', second = '00' }) {
+  await page.check(`input[name="${name}"] >> nth=0`);
+  for (const [part, value] of [['YEAR', year], ['MONTH', month], ['DAY', day], ['HOUR', hour],
+    ['MINUTE', minute], ['SECOND', second]]) {
+    await page.selectOption(`select[name="${name}_${part}"]`, String(value));
+  }
+}
+
+describe('selection page', () => {
+  test('pick a directory and a user', async () => {
+    const page = await newPage(context);
+    await page.goto(`${helpdesk.url}/`);
+    assert.equal(new URL(page.url()).pathname, '/cgi-bin/LXRAdmin');
+    assert.equal(await page.textContent('span.TITLE'), 'Enter User Specification');
+    const options = await page.$$eval('select[name="USERDIR"] option',
+      (os) => os.map((o) => [o.value, o.textContent.trim()]));
+    assert.deepEqual(options, [['partners', 'Example Corp Partners'], ['staff', 'Example Corp Staff']]);
+    await page.selectOption('select[name="USERDIR"]', 'staff');
+    await page.fill('input[name="USER"]', 'alice');
+    await screenshot(page, 'selection');
+    await Promise.all([page.waitForURL(/USER=alice/), page.click('input[type="SUBMIT"]')]);
+    assert.deepEqual(Object.fromEntries(new URL(page.url()).searchParams), { USERDIR: 'staff', USER: 'alice' });
+    assert.equal(await page.textContent('span.TITLE'), 'User Information');
+    assert.equal(await page.inputValue('form[name="PostForm"] input[name="LXR-USERDN"]'), dnOf('alice'));
+    await screenshot(page, 'display-alice');
+    assert.deepEqual(page.dialogs, []);
+    await page.close();
+  });
+});
+
+describe('display page', () => {
+  test('disabled reasons and status pictures', async () => {
+    const cases = [
+      // user, reasons shown, [picture name, file] pairs
+      ['rupert', 'Disabled forever, Failure count 7 reached the maximum of 5, Suspended by security',
+        [['kvlxrDisableUntil_IMAGE', 'Disabled.gif'], ['kvlxrFailureCount_IMAGE', 'Redisable.gif'],
+          [`GROUP-${SUSPENDED}_IMAGE`, 'Disabled.gif']]],
+      ['carol', 'Disabled until 2026-07-01 00:00 UTC', [['kvlxrDisableUntil_IMAGE', 'Disabled.gif']]],
+      ['dave', null, [['kvlxrDisableUntil_IMAGE', 'Blank.gif']]],
+      ['erin', 'Disabled after 2026-05-01 00:00 UTC', [['kvlxrDisableAfter_IMAGE', 'Disabled.gif']]],
+      ['frank', null, [['kvlxrDisableAfter_IMAGE', 'Blank.gif']]],
+      ['grace', 'Did not log in by 2026-05-15 00:00 UTC', [['kvlxrMustLoginBy_IMAGE', 'Disabled.gif']]],
+      ['niaj', 'Suspended by security', [[`GROUP-${SUSPENDED}_IMAGE`, 'Disabled.gif']]],
+      ['alice', null, [['kvlxrDisableUntil_IMAGE', 'Blank.gif'], [`GROUP-${SUSPENDED}_IMAGE`, 'Blank.gif']]],
+    ];
+    for (const [uid, reasons, pictures] of cases) {
+      const page = await openUser(uid);
+      const shown = await page.$$eval('span.DISABLEDISPLAY', (s) => s.map((e) => e.textContent));
+      if (reasons === null) {
+        assert.deepEqual(shown, [], uid);
+      } else {
+        assert.equal(shown.length, 1, uid);
+        assert.equal(shown[0].replace(/\u00a0/g, ' '), reasons, uid);
+        const icon = await page.$eval('span.DISABLEDISPLAY', (s) =>
+          s.closest('tr').querySelector('img').src.split('/').pop());
+        assert.equal(icon, 'Disabled.gif', uid);
+      }
+      for (const [name, file] of pictures) {
+        const p = await picture(page, name);
+        assert.equal(p.file, file, `${uid} ${name}`);
+        assert.equal(p.width, 20, `${uid} ${name} loaded`);
+        assert.equal(p.title, file === 'Blank.gif' ? '' : p.title, `${uid} ${name}`);
+      }
+      if (uid === 'rupert') await screenshot(page, 'display-rupert');
+      await page.close();
+    }
+  });
+
+  test('reset a failure count to now', async () => {
+    const page = await openUser('judy');
+    const [reset] = await page.$$eval('input[name="kvlxrFailureCount"]', (rs) => rs.map((r) => r.value).slice(1));
+    assert.equal(reset, '0 20260601120000Z');
+    await page.check('input[name="kvlxrFailureCount"] >> nth=1');
+    const posted = await submitAndCheck(page, {
+      [dnOf('judy')]: { kvlxrFailureCount: ['0 20260601120000Z'] },
+    });
+    assert.equal(posted.get('kvlxrFailureCount'), '0 20260601120000Z');
+  });
+
+  // The date handlers' scripts reach the row's picture as
+  // document.DisplayForm.elements['NAME_IMAGE']; an <img> is no form control,
+  // so in today's browsers that is undefined and the script stops with a
+  // TypeError before the picture changes (the group rows use document.images
+  // and work). Kept as a to-do until the page text changes.
+  test('the date pictures follow the choice before submitting', {
+    todo: 'date handler scripts address NAME_IMAGE through form.elements',
+  }, async () => {
+    const page = await openUser('alice');
+    const errors = [];
+    page.on('pageerror', (e) => errors.push(e.message));
+    const image = 'kvlxrDisableUntil_IMAGE';
+    assert.equal((await picture(page, image)).file, 'Blank.gif');
+    await chooseDate(page, 'kvlxrDisableUntil', { day: '15', month: '2', year: '2045' });
+    assert.deepEqual(errors, []);
+    assert.deepEqual(await picture(page, image),
+      { file: 'Disabled.gif', width: 20, title: 'User will not be able to login' });
+    await page.selectOption('select[name="kvlxrDisableUntil_YEAR"]', '2026');
+    assert.equal((await picture(page, image)).file, 'Blank.gif', 'a date already past');
+    await page.check('input[name="kvlxrDisableUntil"] >> nth=1');
+    assert.equal((await picture(page, image)).file, 'Disabled.gif', 'forever');
+    await page.check('input[name="kvlxrDisableUntil"] >> nth=2');
+    assert.equal((await picture(page, image)).file, 'Blank.gif', 'not set');
+    await chooseDate(page, 'kvlxrDisableAfter', { day: '15', month: '2', year: '2020' });
+    assert.equal((await picture(page, 'kvlxrDisableAfter_IMAGE')).file, 'Disabled.gif', 'after: past');
+    await chooseDate(page, 'kvlxrMustLoginBy', { day: '15', month: '2', year: '2020' });
+    assert.equal((await picture(page, 'kvlxrMustLoginBy_IMAGE')).file, 'Disabled.gif', 'login by: past');
+    await page.close();
+  });
+
+  test('set disable-until with the date controls', async () => {
+    const page = await openUser('alice');
+    await chooseDate(page, 'kvlxrDisableUntil', { day: '15', month: '2', year: '2045', hour: '10', minute: '20', second: '30' });
+    await page.fill('input[name="kvlxrDisableUntil_COMMENT"]', 'vacation');
+    const posted = await submitAndCheck(page, {
+      [dnOf('alice')]: { kvlxrDisableUntil: ['20450315102030Z vacation'] },
+    });
+    assert.equal(posted.get('kvlxrDisableUntil'), '20450315102030Z vacation');
+
+    const again = await openUser('alice');
+    assert.equal((await picture(again, 'kvlxrDisableUntil_IMAGE')).file, 'Disabled.gif');
+    assert.match(await again.textContent('span.DISABLEDISPLAY'), /Disabled\u00a0until\u00a02045-03-15/);
+    await again.close();
+  });
+
+  test('set disable-until to forever', async () => {
+    const page = await openUser('dave');
+    await page.check('input[name="kvlxrDisableUntil"] >> nth=1');
+    await page.fill('input[name="kvlxrDisableUntil_COMMENT"]', 'left');
+    const posted = await submitAndCheck(page, {
+      [dnOf('dave')]: { kvlxrDisableUntil: ['FOREVER left'] },
+    });
+    assert.equal(posted.get('kvlxrDisableUntil'), 'FOREVER left');
+  });
+
+  test('set a days override with a comment', async () => {
+    const page = await openUser('alice');
+    await page.selectOption('select[name="kvlxrExpirePasswordDays_DAYS"]', '14');
+    assert.equal(await page.$eval('select[name="kvlxrExpirePasswordDays_DAYS"]',
+      (s) => s.selectedOptions[0].textContent.trim()), '2 Weeks');
+    await page.fill('input[name="kvlxrExpirePasswordDays_COMMENT"]', 'test');
+    const posted = await submitAndCheck(page, {
+      [dnOf('alice')]: { kvlxrExpirePasswordDays: ['14 test'] },
+    });
+    assert.equal(posted.get('kvlxrExpirePasswordDays'), '14 test');
+  });
+
+  test('clear a login history', async () => {
+    const page = await openUser('alice');
+    await page.check('input[name="kvlxrLoginHistory"]');
+    const posted = await submitAndCheck(page, { [dnOf('alice')]: { kvlxrLoginHistory: [] } });
+    assert.equal(posted.get('kvlxrLoginHistory'), '1');
+    assert.equal(posted.get('kvfpsLog'), '0');
+  });
+
+  // The post carries one field per redirect, all of the same name; the
+  // server keeps the last of same-named fields, so only the last entry's box
+  // reaches the directory.
+  test('remove one generational redirect and keep the others', async () => {
+    const page = await openUser('sybil');
+    const before = demo.entry(dnOf('sybil')).kvlxrGenerationalRedirects;
+    assert.equal(before.length, 3);
+    await page.check('input[name="kvlxrGenerationalRedirects"] >> nth=2');
+    const posted = await submitAndCheck(page, {
+      [dnOf('sybil')]: { kvlxrGenerationalRedirects: [before[0], before[1]] },
+    });
+    assert.deepEqual(posted.getAll('kvlxrGenerationalRedirects'), [before[0], before[1], 'LEGACY=0']);
+  });
+
+  test('remove a redirect that is not the last one', {
+    todo: 'only the last of several same-named posted fields reaches the update document',
+  }, async () => {
+    const page = await openUser('sybil');
+    const before = demo.entry(dnOf('sybil')).kvlxrGenerationalRedirects;
+    await page.check('input[name="kvlxrGenerationalRedirects"] >> nth=1');
+    await submitAndCheck(page, {
+      [dnOf('sybil')]: { kvlxrGenerationalRedirects: [before[0], before[2]] },
+    });
+  });
+
+  test('add and remove a group, the picture following the box', async () => {
+    const page = await openUser('alice');
+    const image = `GROUP-${SUSPENDED}_IMAGE`;
+    assert.equal((await picture(page, image)).file, 'Blank.gif');
+    await page.check(`input[name="GROUP-${SUSPENDED}"]`);
+    assert.equal((await picture(page, image)).file, 'Disabled.gif');
+    await page.uncheck(`input[name="GROUP-${VPN}"]`);
+    const members = (dn) => demo.entry(dn).member ?? [];
+    const suspendedBefore = members(SUSPENDED);
+    const vpnBefore = members(VPN);
+    const posted = await submitAndCheck(page, {
+      [SUSPENDED]: { member: [...suspendedBefore, dnOf('alice')] },
+      [VPN]: { member: vpnBefore.filter((m) => m !== dnOf('alice')) },
+    });
+    assert.equal(posted.get(`GROUP-${SUSPENDED}`), '1');
+    assert.equal(posted.get(`GROUP-${VPN}`), '0');
+  });
+
+  test('reset a password: a mismatch is refused, a match is written', async () => {
+    const page = await openUser('alice');
+    await page.fill('input[name="userPassword"]', 'Fresh-pass9');
+    await page.fill('input[name="userPassword_CONFIRM"]', 'Fresh-pass8');
+    assert.equal(await submitRefused(page), '[KV-LXR-15010] New and Confirm passwords do not match!');
+    assert.equal(await page.evaluate(() => document.activeElement.name), 'userPassword_CONFIRM');
+    await page.fill('input[name="userPassword_CONFIRM"]', 'Fresh-pass9');
+    const old = demo.entry(dnOf('alice')).userPassword;
+    const before = demo.entries();
+    const posted = await submitAndCheckPassword(page, before);
+    assert.equal(posted.get('userPassword'), 'Fresh-pass9');
+    const now = demo.entry(dnOf('alice')).userPassword;
+    assert.equal(now.length, 1);
+    assert.notDeepEqual(now, old);
+    assert.ok(!now[0].includes('Fresh-pass9'), 'the password is stored hashed');
+  });
+
+  test('the auditor sees the values but no Submit button', async () => {
+    const page = await openUser('rupert', { server: auditor });
+    assert.equal(await page.$('input[type="SUBMIT"]'), null);
+    assert.equal(await page.$('form[name="PostForm"]'), null);
+    assert.equal(await page.$$eval('form[name="DisplayForm"] input[type="RADIO"], ' +
+      'form[name="DisplayForm"] input[type="CHECKBOX"], form[name="DisplayForm"] select', (e) => e.length), 0);
+    assert.ok(await page.$('input[type="BUTTON"][value="Cancel"]'));
+    assert.match(await page.textContent('form[name="DisplayForm"]'), /security-hold/);
+    await screenshot(page, 'display-rupert-auditor');
+    await page.close();
+  });
+});
+
+// The password change also stamps the date of the change; everything else
+// stays as it was.
+async function submitAndCheckPassword(page, before) {
+  const seen = page.dialogs.length;
+  const posted = page.waitForRequest((r) => r.method() === 'POST');
+  const back = page.waitForURL((u) => u.pathname === '/cgi-bin/LXRAdmin' && u.search === '');
+  await page.click('input[type="SUBMIT"]');
+  const request = await posted;
+  await back;
+  assert.equal(page.dialogs.slice(seen).join('|'), SUCCESS);
+  const got = changes(before, demo.entries());
+  assert.deepEqual(Object.keys(got), [dnOf('alice')]);
+  const changed = Object.keys(got[dnOf('alice')]).sort();
+  assert.ok(changed.includes('userPassword'), 'the password changed');
+  for (const attr of changed) {
+    assert.ok(['userPassword', 'kvlxrLastPasswordChange', 'kvlxrHistory'].includes(attr),
+      `unexpected change of ${attr}`);
+  }
+  await page.close();
+  return new URLSearchParams(request.postData());
+}
+
+describe('the submit script refuses bad input', () => {
+  const cases = [
+    ['31 April', NOT_A_DATE, async (page) =>
+      chooseDate(page, 'kvlxrDisableUntil', { day: '31', month: '3', year: '2045' }), 'kvlxrDisableUntil_DAY'],
+    ['29 February of a common year', NOT_A_DATE, async (page) =>
+      chooseDate(page, 'kvlxrDisableAfter', { day: '29', month: '1', year: '2027' }), 'kvlxrDisableAfter_DAY'],
+    ['31 June', NOT_A_DATE, async (page) =>
+      chooseDate(page, 'kvlxrMustLoginBy', { day: '31', month: '5', year: '2030' }), 'kvlxrMustLoginBy_DAY'],
+    ['a comment without days', MUST_BE_BLANK, async (page) =>
+      page.fill('input[name="kvlxrExpirePasswordDays_COMMENT"]', 'why'), 'kvlxrExpirePasswordDays_COMMENT'],
+    ['an inactivity comment without days', MUST_BE_BLANK, async (page) =>
+      page.fill('input[name="kvlxrAccountInactivityDays_COMMENT"]', 'why'), 'kvlxrAccountInactivityDays_COMMENT'],
+    ['a comment without the flag', MUST_BE_BLANK, async (page) =>
+      page.fill('input[name="kvlxrImmediateChange_COMMENT"]', 'why'), 'kvlxrImmediateChange_COMMENT'],
+    ['a password without confirmation',
+      'When resetting the password, this field cannot be blank.', async (page) =>
+        page.fill('input[name="userPassword"]', 'Fresh-pass9'), 'userPassword_CONFIRM'],
+    ['a confirmation without password',
+      'When not resetting the password, this field must be blank.', async (page) =>
+        page.fill('input[name="userPassword_CONFIRM"]', 'Fresh-pass9'), 'userPassword_CONFIRM'],
+  ];
+  for (const [what, alert, enter, focused] of cases) {
+    test(what, async () => {
+      const before = demo.entries();
+      const page = await openUser('alice');
+      await enter(page);
+      assert.equal(await submitRefused(page), alert);
+      assert.equal(await page.evaluate(() => document.activeElement.name), focused);
+      assert.deepEqual(changes(before, demo.entries()), {});
+      await page.close();
+    });
+  }
+
+  test('29 February of a leap year passes the check', async () => {
+    const page = await openUser('alice');
+    await chooseDate(page, 'kvlxrDisableAfter', { day: '29', month: '1', year: '2028' });
+    const posted = await submitAndCheck(page, {
+      [dnOf('alice')]: { kvlxrDisableAfter: ['20280229000000Z'] },
+    });
+    assert.equal(posted.get('kvlxrDisableAfter'), '20280229000000Z');
+  });
+});
