@@ -35,6 +35,7 @@ before(async () => {
     env,
   });
   context = await launchBrowser();
+  context.setDefaultTimeout(15000);
   await context.clock.setFixedTime(new Date(Number(demo.env.LXR_NOW) * 1000));
 });
 
@@ -62,13 +63,7 @@ async function openUser(uid, { server = helpdesk, dir = 'staff' } = {}) {
 // ({ dn: { attr: [values after] } }).
 async function submitAndCheck(page, expected) {
   const before = demo.entries();
-  const seen = page.dialogs.length;
-  const posted = page.waitForRequest((r) => r.method() === 'POST');
-  const back = page.waitForURL((u) => u.pathname === '/cgi-bin/LXRAdmin' && u.search === '');
-  await page.click('input[type="SUBMIT"]');
-  const request = await posted;
-  await back;
-  const message = page.dialogs.slice(seen).join('|');
+  const { message, fields } = await submitPosted(page);
   assert.equal(message, SUCCESS);
   const got = changes(before, demo.entries());
   const want = {};
@@ -79,7 +74,27 @@ async function submitAndCheck(page, expected) {
   }
   assert.deepEqual(got, want, 'the directory changed exactly as intended');
   await page.close();
-  return new URLSearchParams(request.postData());
+  return fields;
+}
+
+// Clicks Submit and waits for the post's answer. A result page shows its
+// alert and returns to the selection page; anything else fails here with
+// the message the server answered.
+async function submitPosted(page) {
+  const seen = page.dialogs.length;
+  const answered = page.waitForResponse((r) => r.request().method() === 'POST');
+  const back = page.waitForURL((u) => u.pathname === '/cgi-bin/LXRAdmin' && u.search === '');
+  back.catch(() => {});
+  await page.click('input[type="SUBMIT"]');
+  const response = await answered;
+  const body = await response.text();
+  const alert = /alert\("(.*)"\);/.exec(body)?.[1];
+  assert.equal(response.status(), 200, `the post was answered ${response.status()}: ${alert}`);
+  await back;
+  return {
+    message: page.dialogs.slice(seen).join('|'),
+    fields: new URLSearchParams(response.request().postData()),
+  };
 }
 
 // Submits and expects the page to refuse: one alert, no post, same page.
@@ -334,13 +349,8 @@ describe('display page', () => {
 // The password change also stamps the date of the change; everything else
 // stays as it was.
 async function submitAndCheckPassword(page, before) {
-  const seen = page.dialogs.length;
-  const posted = page.waitForRequest((r) => r.method() === 'POST');
-  const back = page.waitForURL((u) => u.pathname === '/cgi-bin/LXRAdmin' && u.search === '');
-  await page.click('input[type="SUBMIT"]');
-  const request = await posted;
-  await back;
-  assert.equal(page.dialogs.slice(seen).join('|'), SUCCESS);
+  const { message, fields } = await submitPosted(page);
+  assert.equal(message, SUCCESS);
   const got = changes(before, demo.entries());
   assert.deepEqual(Object.keys(got), [dnOf('alice')]);
   const changed = Object.keys(got[dnOf('alice')]).sort();
@@ -350,7 +360,7 @@ async function submitAndCheckPassword(page, before) {
       `unexpected change of ${attr}`);
   }
   await page.close();
-  return new URLSearchParams(request.postData());
+  return fields;
 }
 
 describe('the submit script refuses bad input', () => {
