@@ -78,8 +78,8 @@ TEST(AccountStateTest, EveryReasonAndItsRedisableFlag) {
 }
 
 TEST(AccountStateTest, GroupsWithAReasonDisableTheirMembers) {
-    GroupConfig locked{"cn=locked,o=t", "#Locked", "Locked by policy"};
-    GroupConfig plain{"cn=vpn,o=t", "VPN", ""};
+    GroupConfig locked{"locked", "cn=locked,o=t", "#Locked", "Locked by policy"};
+    GroupConfig plain{"vpn", "cn=vpn,o=t", "VPN", ""};
     Policy policy;
     AccountState state =
         EvaluateAccount(User({}), policy, {{&locked, true}, {&plain, true}}, testing::kNow);

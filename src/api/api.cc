@@ -6,9 +6,11 @@
 #include <memory>
 #include <new>
 #include <string>
+#include <string_view>
 
 #include "config.h"
 #include "lxrapi.h"
+#include "message.h"
 #include "service.h"
 #include "sqlite_store.h"
 
@@ -16,12 +18,15 @@ namespace {
 
 using lxrapi::Status;
 
-// Copies `text` into the caller's message buffer, cut to size - 1 bytes.
+// Copies `text`, made safe for the program's pages (SafeMessage), into the
+// caller's message buffer, cut to size - 1 bytes at a character boundary.
+// Every message leaves the library through here.
 void PutMessage(char* message, int size, const std::string& text) {
     if (!message || size <= 0) return;
-    size_t n = std::min(text.size(), static_cast<size_t>(size) - 1);
-    std::memcpy(message, text.data(), n);
-    message[n] = '\0';
+    std::string safe = lxrapi::SafeMessage(text);
+    std::string_view cut = lxrapi::CutAtCharacter(safe, static_cast<size_t>(size) - 1);
+    std::memcpy(message, cut.data(), cut.size());
+    message[cut.size()] = '\0';
 }
 
 int Fail(const Status& status, char* message, int messageSize) {
@@ -36,7 +41,7 @@ int PutReply(const std::string& document, char* reply, int replySize, char* mess
     if (!reply || replySize <= 0 || document.size() + 1 > static_cast<size_t>(replySize)) {
         if (reply && replySize > 0) reply[0] = '\0';
         return Fail(Status(lxrapi::kBufferTooSmall,
-                           "the reply of " + std::to_string(document.size() + 1) +
+                           "The reply of " + std::to_string(document.size() + 1) +
                                " bytes does not fit the buffer of " +
                                std::to_string(replySize < 0 ? 0 : replySize) + " bytes"),
                     message, messageSize);
@@ -51,12 +56,12 @@ int Guarded(char* message, int messageSize, Fn body) {
     try {
         return body();
     } catch (const std::bad_alloc&) {
-        return Fail(Status::Unreachable("out of memory"), message, messageSize);
+        return Fail(Status::Unreachable("Out of memory"), message, messageSize);
     } catch (const std::exception& e) {
-        return Fail(Status::Unreachable(std::string("internal error: ") + e.what()), message,
+        return Fail(Status::Unreachable("Internal error: " + lxrapi::Shown(e.what(), 200)), message,
                     messageSize);
     } catch (...) {
-        return Fail(Status::Unreachable("internal error"), message, messageSize);
+        return Fail(Status::Unreachable("Internal error"), message, messageSize);
     }
 }
 
@@ -109,7 +114,7 @@ extern "C" int LXRAdminWrite(const char* identity, const char* administratorPath
         Status s = lxrapi::CurrentConfig(&config);
         if (s.ok()) {
             if (!updateDocument) {
-                s = Status::BadRequest("no update document was given");
+                s = Status::BadRequest("No update document was given");
             } else {
                 lxrapi::SqliteStoreProvider stores(config->busyTimeoutMs);
                 s = lxrapi::WriteUser(*config, stores, Text(identity), Text(administratorPath),

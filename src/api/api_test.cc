@@ -111,7 +111,10 @@ TEST_F(ApiTest, ReplyBufferLimits) {
 TEST_F(ApiTest, MessagesAreCutToTheirBuffer) {
     EXPECT_EQ(Read("people/nobody-at-all", 4096, 10), kUserUnreadable);
     EXPECT_EQ(std::strlen(message_.data()), 9u);
-    EXPECT_EQ(std::string(message_.data()), "no user \"");
+    EXPECT_EQ(std::string(message_.data()), "No user '");
+    // A cut never leaves half a character behind.
+    EXPECT_EQ(Read("people/\xc3\xa9", 4096, 11), kUserUnreadable);
+    EXPECT_EQ(std::string(message_.data()), "No user '");
     EXPECT_EQ(Read("people/nobody-at-all", 4096, 1), kUserUnreadable);
     EXPECT_EQ(message_[0], '\0');
     EXPECT_EQ(Read("people/nobody-at-all", 4096, 0), kUserUnreadable);
@@ -126,7 +129,8 @@ TEST_F(ApiTest, MessagesAreCutToTheirBuffer) {
 TEST_F(ApiTest, ConfigurationAndStoreFaultsAreCommunicationErrors) {
     WriteConfig("[[directory]]\nid = \"d\"\nstore = \"people.db\"\nbase = \"o=t\"\ncolour = 1\n");
     EXPECT_EQ(Read("people/ann", 4096, 1024), kUnreachable);
-    EXPECT_EQ(std::string(message_.data()), config_ + ":5: unknown key \"colour\" in directory 1");
+    EXPECT_EQ(std::string(message_.data()),
+              "Configuration file " + config_ + " line 5: unknown key 'colour' in directory 1");
     char message[512] = {};
     EXPECT_EQ(LXRAdminWrite("desk", kAdmin, "<User name=\"x\"></User>", message, sizeof message, "",
                             "", "", nullptr),
@@ -145,6 +149,65 @@ TEST_F(ApiTest, ConfigurationAndStoreFaultsAreCommunicationErrors) {
     EXPECT_EQ(Read("people/ann", 4096, 1024), kUnreachable);
     EXPECT_NE(std::string(message_.data()).find(dir_.File("gone.db")), std::string::npos)
         << message_.data();
+}
+
+// The program shows a message unescaped in alert("...") and <h1>...</h1>,
+// and redirects to one that begins like an address: whatever the caller sent,
+// no message may carry markup, quotation marks, line ends or such a beginning.
+TEST_F(ApiTest, EveryMessageIsSafeForThePages) {
+    struct Case {
+        const char* role;
+        const char* user;  // read this user, or
+        const char* body;  // write this body
+        const char* config;
+        int code;
+        const char* says;
+    } cases[] = {
+        {"d\"e<s>k", "people/ann", nullptr, nullptr, kAccessDenied,
+         "Unknown administrator role 'd?e?s?k'"},
+        {"desk", "people/<script>alert(\"x\")</script>", nullptr, nullptr, kUserUnreadable,
+         "No user '?script?alert(?x?)?/script?' was found"},
+        {"desk", "people/a\\b\nc", nullptr, nullptr, kUserUnreadable, "No user 'a?b?c'"},
+        {"desk", "d<\"x\">/ann", nullptr, nullptr, kAccessDenied,
+         "The directory 'd??x?"
+         "?' is not open to the role 'desk'"},
+        {"desk", nullptr,
+         "<Attribute name=\"kvlxrDisableUntil\"><Value>\"soon\" <b>\\</Value></Attribute>", nullptr,
+         kBadRequest,
+         "Attribute kvlxrDisableUntil: the value '?soon? ?b?"
+         "?' is not in the attribute's format"},
+        {"desk", nullptr, "<Group name=\"<i>\" member=\"1\"/>", nullptr, kAccessDenied,
+         "shows no group '?i?'"},
+        {"desk", nullptr, "<Bogus/>", nullptr, kBadRequest,
+         "Update document: expected a Group, an Attribute or the end of the User at offset"},
+        {"desk", "people/ann", nullptr, "/nonexistent/lxrapi.toml", kUnreachable,
+         "Configuration file /nonexistent/lxrapi.toml cannot be opened: No such file"},
+        {"desk", "people/ann", nullptr, "http://x/\"q\".toml", kUnreachable,
+         "Configuration file http://x/?q?.toml cannot be opened"},
+    };
+    for (const Case& c : cases) {
+        if (c.config) setenv("LXRAPI_CONFIG", c.config, 1);
+        char message[8192] = {};
+        int rc;
+        if (c.user) {
+            std::vector<char> reply(65536);
+            rc = LXRAdminRead(c.role, kAdmin, c.user, reply.data(), 65535, message, sizeof message,
+                              "LXRAdmin=YES", "EN", "US", nullptr);
+        } else {
+            std::string doc =
+                std::string("<User name=\"uid=ann,ou=people,o=t\">") + c.body + "</User>";
+            rc = LXRAdminWrite(c.role, kAdmin, doc.c_str(), message, sizeof message, "LXRAdmin=YES",
+                               "EN", "US", nullptr);
+        }
+        setenv("LXRAPI_CONFIG", config_.c_str(), 1);
+        std::string text = message;
+        EXPECT_EQ(rc, c.code) << text;
+        EXPECT_NE(text.find(c.says), std::string::npos) << text << "\nwanted " << c.says;
+        for (const char* bad : {"\"", "\\", "<", ">", "\n", "\r"})
+            EXPECT_EQ(text.find(bad), std::string::npos) << text;
+        for (const char* start : {"/", "http:", "https:"})
+            EXPECT_NE(text.rfind(start, 0), 0u) << text;
+    }
 }
 
 TEST_F(ApiTest, AWriteShowsInTheNextRead) {

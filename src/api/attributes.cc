@@ -4,6 +4,7 @@
 #include <string>
 
 #include "clock.h"
+#include "message.h"
 #include "text.h"
 
 namespace lxrapi {
@@ -176,14 +177,17 @@ bool CheckForm(ValueForm form, std::string_view value) {
 }  // namespace
 
 Status ValidateValue(const AttributeInfo& info, std::string_view value) {
+    // The rejected value is shown (cut, and with the characters that the
+    // program's pages cannot take as '?') so the administrator sees which.
     auto bad = [&](const char* why) {
-        return Status::BadRequest(std::string("attribute ") + info.name + ": value \"" +
-                                  std::string(value) + "\" " + why);
+        return Status::BadRequest(std::string("Attribute ") + info.name + ": the value " +
+                                  Quoted(value, 80) + " " + why);
     };
     if (value.size() > kMaxValue) return bad("is too long");
     for (unsigned char c : value)
         if (c < 0x20 || c == 0x7f) return bad("holds a control character");
-    if (value.find("</Value>") != std::string_view::npos) return bad("holds \"</Value>\"");
+    if (value.find("</Value>") != std::string_view::npos)
+        return bad("holds the end tag of a Value");
     if (Trim(value).empty()) return bad("is blank");
     if (!CheckForm(info.form, value)) return bad("is not in the attribute's format");
     return Status::OK();

@@ -10,15 +10,31 @@
 #include <mutex>
 #include <sstream>
 
+#include "message.h"
 #include "text.h"
 
 namespace lxrapi {
+
+bool IsGroupId(std::string_view id) {
+    if (id.empty()) return false;
+    for (char c : id)
+        if (!((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+              c == '-' || c == '_' || c == '.'))
+            return false;
+    return true;
+}
 
 bool NameSet::Has(std::string_view name) const {
     if (all) return true;
     for (const std::string& n : names)
         if (dns ? DnKey(n) == DnKey(name) : EqualsNoCase(n, name)) return true;
     return false;
+}
+
+const GroupConfig* DirectoryConfig::FindGroup(std::string_view name) const {
+    for (const GroupConfig& g : groups)
+        if (EqualsNoCase(g.id, name) || DnKey(g.dn) == DnKey(name)) return &g;
+    return nullptr;
 }
 
 const DirectoryConfig* Config::FindDirectory(std::string_view id) const {
@@ -35,7 +51,9 @@ const Role* Config::FindRole(std::string_view name) const {
 
 namespace {
 
-// Collects the first problem with its line; later checks are skipped.
+// Collects the first problem with its line; later checks are skipped. The
+// message begins with words, never with the path: the program would take a
+// message that begins with "/" for an address and redirect the browser to it.
 class Reader {
   public:
     explicit Reader(const std::string& path) : path_(path) {}
@@ -43,7 +61,8 @@ class Reader {
     bool Fail(int line, const std::string& problem) {
         if (failed_) return false;
         failed_ = true;
-        status_ = Status::Unreachable(path_ + ":" + std::to_string(line) + ": " + problem);
+        status_ = Status::Unreachable("Configuration file " + Shown(path_) + " line " +
+                                      std::to_string(line) + ": " + problem);
         return false;
     }
     bool failed() const { return failed_; }
@@ -58,9 +77,7 @@ class Reader {
         for (const auto& [key, node] : table) {
             bool ok = false;
             for (const char* k : known) ok = ok || key.str() == k;
-            if (!ok)
-                return Fail(Line(node), std::string("unknown key \"") + std::string(key.str()) +
-                                            "\" in " + where);
+            if (!ok) return Fail(Line(node), "unknown key " + Quoted(key.str()) + " in " + where);
         }
         return true;
     }
@@ -69,15 +86,15 @@ class Reader {
                 std::string* out) {
         const toml::node* node = t.get(key);
         if (!node) {
-            if (required) return Fail(Line(t), std::string(where) + ": \"" + key + "\" is missing");
+            if (required) return Fail(Line(t), std::string(where) + ": '" + key + "' is missing");
             return true;
         }
         if (!node->is_string())
-            return Fail(Line(*node), std::string(where) + ": \"" + key + "\" must be a string");
+            return Fail(Line(*node), std::string(where) + ": '" + key + "' must be a string");
         *out = node->as_string()->get();
         if (out->find('"') != std::string::npos)
             return Fail(Line(*node),
-                        std::string(where) + ": \"" + key + "\" must not hold a quotation mark");
+                        std::string(where) + ": '" + key + "' must not hold a quotation mark");
         return true;
     }
 
@@ -87,8 +104,8 @@ class Reader {
         if (!node) return true;
         if (!node->is_integer() || node->as_integer()->get() < low ||
             node->as_integer()->get() > high)
-            return Fail(Line(*node), std::string(where) + ": \"" + key +
-                                         "\" must be a whole number from " + std::to_string(low) +
+            return Fail(Line(*node), std::string(where) + ": '" + key +
+                                         "' must be a whole number from " + std::to_string(low) +
                                          " to " + std::to_string(high));
         *out = static_cast<int>(node->as_integer()->get());
         return true;
@@ -98,8 +115,7 @@ class Reader {
         const toml::node* node = t.get(key);
         if (!node) return true;
         if (!node->is_boolean())
-            return Fail(Line(*node),
-                        std::string(where) + ": \"" + key + "\" must be true or false");
+            return Fail(Line(*node), std::string(where) + ": '" + key + "' must be true or false");
         *out = node->as_boolean()->get();
         return true;
     }
@@ -114,12 +130,12 @@ class Reader {
         }
         const toml::array* array = node->as_array();
         if (!array)
-            return Fail(Line(*node), std::string(where) + ": \"" + key +
-                                         "\" must be \"*\" or a list of strings");
+            return Fail(Line(*node),
+                        std::string(where) + ": '" + key + "' must be '*' or a list of strings");
         for (const toml::node& item : *array) {
             if (!item.is_string() || item.as_string()->get().empty())
                 return Fail(Line(item),
-                            std::string(where) + ": \"" + key + "\" must hold non-empty strings");
+                            std::string(where) + ": '" + key + "' must hold non-empty strings");
             const std::string& s = item.as_string()->get();
             if (s == "*")
                 out->all = true;
@@ -143,16 +159,42 @@ class Reader {
     Status status_;
 };
 
-bool ReadGroup(Reader& r, const toml::table& t, const std::string& where, GroupConfig* g) {
-    if (!r.OnlyKeys(t, where.c_str(), {"dn", "prompt", "reason"})) return false;
-    if (!r.String(t, "dn", where.c_str(), true, &g->dn) ||
+// The value of a DN's first component: "vpn-users" for
+// "cn=vpn-users,ou=groups,o=example".
+std::string FirstValue(const std::string& dn) {
+    size_t equals = dn.find('=');
+    size_t comma = dn.find(',', equals);
+    return std::string(Trim(std::string_view(dn).substr(equals + 1, comma - equals - 1)));
+}
+
+bool ReadGroup(Reader& r, const toml::table& t, const std::string& where,
+               const DirectoryConfig& directory, GroupConfig* g) {
+    if (!r.OnlyKeys(t, where.c_str(), {"id", "dn", "prompt", "reason"})) return false;
+    if (!r.String(t, "id", where.c_str(), false, &g->id) ||
+        !r.String(t, "dn", where.c_str(), true, &g->dn) ||
         !r.String(t, "prompt", where.c_str(), false, &g->prompt) ||
         !r.String(t, "reason", where.c_str(), false, &g->reason))
         return false;
     if (g->dn.find('=') == std::string::npos)
-        return r.Fail(Reader::Line(t), where + ": \"dn\" is not a distinguished name");
+        return r.Fail(Reader::Line(t), where + ": 'dn' is not a distinguished name");
     if (g->reason.find(',') != std::string::npos)
-        return r.Fail(Reader::Line(t), where + ": \"reason\" must not hold a comma");
+        return r.Fail(Reader::Line(t), where + ": 'reason' must not hold a comma");
+    const toml::node* id = t.get("id");
+    int line = id ? Reader::Line(*id) : Reader::Line(t);
+    if (!id) {
+        g->id = FirstValue(g->dn);
+        if (!IsGroupId(g->id))
+            return r.Fail(line, where + ": the first value of its DN, " + Quoted(g->id) +
+                                    ", cannot name the group on the page (only letters, digits, "
+                                    "'-', '_' and '.'); give the group an 'id'");
+    } else if (!IsGroupId(g->id)) {
+        return r.Fail(line, where + ": 'id' " + Quoted(g->id) +
+                                " may hold only letters, digits, '-', '_' and '.'");
+    }
+    for (const GroupConfig& other : directory.groups)
+        if (EqualsNoCase(other.id, g->id))
+            return r.Fail(line, where + ": the group identifier " + Quoted(g->id) +
+                                    " is used twice in the directory");
     return true;
 }
 
@@ -164,30 +206,31 @@ bool ReadDirectory(Reader& r, const toml::table& t, int index, Config* config) {
         return false;
     if (!r.String(t, "id", where.c_str(), true, &d.id)) return false;
     if (d.id.empty() || d.id.find_first_of("/ \t") != std::string::npos)
-        return r.Fail(d.line, where + ": \"id\" must be non-empty, without \"/\" or blanks");
+        return r.Fail(d.line, where + ": 'id' must be non-empty, without '/' or blanks");
     if (config->FindDirectory(d.id))
-        return r.Fail(d.line, where + ": the identifier \"" + d.id + "\" is used twice");
-    where = "directory \"" + d.id + "\"";
+        return r.Fail(d.line, where + ": the identifier " + Quoted(d.id) + " is used twice");
+    where = "directory " + Quoted(d.id);
     if (!r.String(t, "name", where.c_str(), false, &d.name) ||
         !r.String(t, "store", where.c_str(), true, &d.store) ||
         !r.String(t, "base", where.c_str(), true, &d.base))
         return false;
     if (d.name.empty()) d.name = d.id;
-    if (d.store.empty()) return r.Fail(d.line, where + ": \"store\" is empty");
+    if (d.store.empty()) return r.Fail(d.line, where + ": 'store' is empty");
     if (d.base.find('=') == std::string::npos)
-        return r.Fail(d.line, where + ": \"base\" is not a distinguished name");
+        return r.Fail(d.line, where + ": 'base' is not a distinguished name");
     d.store = r.Resolve(d.store);
     NameSet naming;
     if (!r.Names(t, "naming", where.c_str(), false, &naming)) return false;
-    if (naming.all) return r.Fail(d.line, where + ": \"naming\" must list attribute names");
+    if (naming.all) return r.Fail(d.line, where + ": 'naming' must list attribute names");
     d.naming = naming.names.empty() ? std::vector<std::string>{"uid", "cn", "mail"} : naming.names;
     if (const toml::node* groups = t.get("group")) {
         const toml::array* array = groups->as_array();
         if (!array || !array->is_array_of_tables())
-            return r.Fail(Reader::Line(*groups), where + ": \"group\" must be [[directory.group]]");
+            return r.Fail(Reader::Line(*groups), where + ": 'group' must be [[directory.group]]");
         for (const toml::node& g : *array) {
             GroupConfig group;
-            if (!ReadGroup(r, *g.as_table(), where + " group", &group)) return false;
+            std::string whereGroup = where + " group " + std::to_string(d.groups.size() + 1);
+            if (!ReadGroup(r, *g.as_table(), whereGroup, d, &group)) return false;
             d.groups.push_back(group);
         }
     }
@@ -204,12 +247,11 @@ bool ReadRole(Reader& r, const toml::table& t, int index, Config* config) {
                      "groups_write"}))
         return false;
     if (!r.String(t, "name", where.c_str(), true, &role.name)) return false;
-    if (role.name.empty()) return r.Fail(role.line, where + ": \"name\" is empty");
+    if (role.name.empty()) return r.Fail(role.line, where + ": 'name' is empty");
     if (config->FindRole(role.name))
-        return r.Fail(role.line, where + ": the role \"" + role.name + "\" is defined twice");
-    where = "role \"" + role.name + "\"";
-    if (!t.get("administrators"))
-        return r.Fail(role.line, where + ": \"administrators\" is missing");
+        return r.Fail(role.line, where + ": the role " + Quoted(role.name) + " is defined twice");
+    where = "role " + Quoted(role.name);
+    if (!t.get("administrators")) return r.Fail(role.line, where + ": 'administrators' is missing");
     if (!r.Names(t, "administrators", where.c_str(), true, &role.administrators) ||
         !r.Names(t, "directories", where.c_str(), false, &role.directories) ||
         !r.Names(t, "read", where.c_str(), false, &role.read) ||
@@ -218,10 +260,10 @@ bool ReadRole(Reader& r, const toml::table& t, int index, Config* config) {
         !r.Names(t, "groups_write", where.c_str(), true, &role.groupsWrite))
         return false;
     if (role.administrators.all)
-        return r.Fail(role.line, where + ": \"administrators\" must list DNs, not \"*\"");
+        return r.Fail(role.line, where + ": 'administrators' must list DNs, not '*'");
     for (const std::string& id : role.directories.names)
         if (!config->FindDirectory(id))
-            return r.Fail(role.line, where + ": unknown directory \"" + id + "\"");
+            return r.Fail(role.line, where + ": unknown directory " + Quoted(id));
     config->roles.push_back(role);
     return true;
 }
@@ -237,7 +279,7 @@ bool ReadPolicy(Reader& r, const toml::table& t, Policy* p) {
     const toml::node* node = t.get("password");
     if (!node) return true;
     const toml::table* pw = node->as_table();
-    if (!pw) return r.Fail(Reader::Line(*node), "[policy]: \"password\" must be a table");
+    if (!pw) return r.Fail(Reader::Line(*node), "[policy]: 'password' must be a table");
     const char* w = "[policy.password]";
     PasswordRules& rules = p->password;
     if (!r.OnlyKeys(*pw, w,
@@ -256,7 +298,7 @@ bool ReadPolicy(Reader& r, const toml::table& t, Policy* p) {
         return r.Fail(Reader::Line(*pw), std::string(w) + ": min_length exceeds max_length");
     if (rules.scheme != "argon2id" && rules.scheme != "sha512-crypt")
         return r.Fail(Reader::Line(*pw),
-                      std::string(w) + ": \"scheme\" must be \"argon2id\" or \"sha512-crypt\"");
+                      std::string(w) + ": 'scheme' must be 'argon2id' or 'sha512-crypt'");
     return true;
 }
 
@@ -267,7 +309,7 @@ bool EachTable(Reader& r, const toml::table& root, const char* key, Fn fn) {
     const toml::array* array = node->as_array();
     if (!array || !array->is_array_of_tables())
         return r.Fail(Reader::Line(*node),
-                      std::string("\"") + key + "\" must be written [[" + key + "]]");
+                      std::string("'") + key + "' must be written [[" + key + "]]");
     int i = 0;
     for (const toml::node& item : *array)
         if (!fn(*item.as_table(), i++)) return false;
@@ -279,13 +321,13 @@ bool ReadRoot(Reader& r, const toml::table& root, Config* config) {
         return false;
     if (const toml::node* node = root.get("store")) {
         const toml::table* t = node->as_table();
-        if (!t) return r.Fail(Reader::Line(*node), "\"store\" must be a table");
+        if (!t) return r.Fail(Reader::Line(*node), "'store' must be a table");
         if (!r.OnlyKeys(*t, "[store]", {"busy_timeout_ms"}) ||
             !r.Int(*t, "busy_timeout_ms", "[store]", 0, 600000, &config->busyTimeoutMs))
             return false;
     }
     if (const toml::node* node = root.get("policy")) {
-        if (!node->as_table()) return r.Fail(Reader::Line(*node), "\"policy\" must be a table");
+        if (!node->as_table()) return r.Fail(Reader::Line(*node), "'policy' must be a table");
         if (!ReadPolicy(r, *node->as_table(), &config->policy)) return false;
     }
     if (!EachTable(r, root, "directory",
@@ -294,7 +336,7 @@ bool ReadRoot(Reader& r, const toml::table& root, Config* config) {
     if (config->directories.empty()) return r.Fail(1, "no [[directory]] is declared");
     if (const toml::node* node = root.get("administrators")) {
         const toml::table* t = node->as_table();
-        if (!t) return r.Fail(Reader::Line(*node), "\"administrators\" must be a table");
+        if (!t) return r.Fail(Reader::Line(*node), "'administrators' must be a table");
         if (!r.OnlyKeys(*t, "[administrators]", {"store"}) ||
             !r.String(*t, "store", "[administrators]", true, &config->adminStore))
             return false;
@@ -309,6 +351,11 @@ bool ReadRoot(Reader& r, const toml::table& root, Config* config) {
     return true;
 }
 
+Status CannotOpen(const std::string& path) {
+    return Status::Unreachable("Configuration file " + Shown(path) +
+                               " cannot be opened: " + std::strerror(errno));
+}
+
 }  // namespace
 
 Status ParseConfig(std::string_view text, const std::string& path, Config* config) {
@@ -319,7 +366,7 @@ Status ParseConfig(std::string_view text, const std::string& path, Config* confi
     try {
         root = toml::parse(text, path);
     } catch (const toml::parse_error& e) {
-        reader.Fail(static_cast<int>(e.source().begin.line), std::string(e.description()));
+        reader.Fail(static_cast<int>(e.source().begin.line), Shown(e.description()));
         return reader.status();
     }
     if (!ReadRoot(reader, root, config)) return reader.status();
@@ -328,9 +375,7 @@ Status ParseConfig(std::string_view text, const std::string& path, Config* confi
 
 Status LoadConfig(const std::string& path, Config* config) {
     std::ifstream in(path, std::ios::binary);
-    if (!in)
-        return Status::Unreachable(
-            path + ":0: cannot open the configuration file: " + std::strerror(errno));
+    if (!in) return CannotOpen(path);
     std::ostringstream text;
     text << in.rdbuf();
     return ParseConfig(text.str(), path, config);
@@ -349,9 +394,7 @@ Status CurrentConfig(std::shared_ptr<const Config>* config) {
     std::lock_guard<std::mutex> lock(mutex);
     std::string path = ConfigPath();
     struct stat st {};
-    if (::stat(path.c_str(), &st) != 0)
-        return Status::Unreachable(
-            path + ":0: cannot open the configuration file: " + std::strerror(errno));
+    if (::stat(path.c_str(), &st) != 0) return CannotOpen(path);
     if (cached && cachedPath == path && st.st_ino == cachedStat.st_ino &&
         st.st_size == cachedStat.st_size && st.st_mtim.tv_sec == cachedStat.st_mtim.tv_sec &&
         st.st_mtim.tv_nsec == cachedStat.st_mtim.tv_nsec) {

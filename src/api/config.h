@@ -21,11 +21,19 @@ struct NameSet {
     bool Has(std::string_view name) const;
 };
 
+// A group shown on the user's page. The page names the group's form fields
+// "GROUP-" + the Group element's name and the browser URL-encodes field names
+// when it posts them, which the program does not undo; so the element's name
+// is the short `id`, which needs no encoding, rather than the DN.
 struct GroupConfig {
-    std::string dn;      // the group's entry; also the Group element's name
+    std::string id;      // the Group element's name: letters, digits, "-", "_", "." (IsGroupId)
+    std::string dn;      // the group's entry, whose member values list the users
     std::string prompt;  // label shown for the group ("#..." to translate)
     std::string reason;  // non-empty: members are disabled for this reason
 };
+
+// True for a non-empty text of ASCII letters, digits, "-", "_" and ".".
+bool IsGroupId(std::string_view id);
 
 struct DirectoryConfig {
     std::string id;                   // what the selection page posts back as USERDIR
@@ -35,6 +43,10 @@ struct DirectoryConfig {
     std::vector<std::string> naming;  // attributes a typed user name is matched against
     std::vector<GroupConfig> groups;  // in the order shown
     int line = 0;
+
+    // The group whose identifier (without regard to case) or DN (by DnKey)
+    // is `name`; null when none is.
+    const GroupConfig* FindGroup(std::string_view name) const;
 };
 
 struct PasswordRules {
@@ -77,10 +89,12 @@ struct Config {
 };
 
 // Parses the configuration text; `path` names it in messages and anchors the
-// relative store paths. Fails with kUnreachable and "file:line: problem".
+// relative store paths. Fails with kUnreachable and "Configuration file PATH
+// line N: PROBLEM".
 Status ParseConfig(std::string_view text, const std::string& path, Config* config);
 
-// Reads and parses the file at `path`.
+// Reads and parses the file at `path`; an unreadable file fails with
+// "Configuration file PATH cannot be opened: REASON".
 Status LoadConfig(const std::string& path, Config* config);
 
 // The file to use: LXRAPI_CONFIG, else lxrapi.toml in the working directory.

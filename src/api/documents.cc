@@ -50,7 +50,7 @@ void WriteAttribute(std::string& out, const AttributeView& a) {
 
 void WriteGroup(std::string& out, const GroupView& g) {
     out += "    <Group name=\"";
-    out += g.group->dn;
+    out += g.group->id;  // not the DN: the page makes a form field name of it
     out += "\" prompt=\"";
     out += g.group->prompt;
     out += "\"";

@@ -8,8 +8,8 @@ namespace lxrapi {
 namespace {
 
 TEST(DocumentsTest, UserDocumentReadsBackUnderTheStrictRules) {
-    GroupConfig locked{"cn=locked,o=t", "#Locked", "Locked by policy"};
-    GroupConfig vpn{"cn=vpn,o=t", "VPN", ""};
+    GroupConfig locked{"locked", "cn=locked,o=t", "#Locked", "Locked by policy"};
+    GroupConfig vpn{"vpn-users", "cn=vpn,o=t", "VPN", ""};
     UserView view;
     view.dn = "uid=a b,ou=people,o=t";
     view.disabled = "Disabled forever,Locked by policy";
@@ -55,13 +55,14 @@ TEST(DocumentsTest, UserDocumentReadsBackUnderTheStrictRules) {
     }
     ASSERT_EQ(user.groups.size(), 3u);
     EXPECT_EQ(user.groups[0].reasoncode, "Locked by policy");
+    EXPECT_EQ(user.groups[0].name, "locked");  // the identifier, never the DN
     EXPECT_EQ(user.groups[0].member, "true");
     EXPECT_EQ(user.groups[1].member, "restricted");
     EXPECT_FALSE(user.groups[1].read);
     EXPECT_EQ(user.groups[2].member, "false");
     EXPECT_EQ(user.groups[2].reasoncode, "");
     // The byte forms the reader insists on.
-    EXPECT_NE(text.find("<Group name=\"cn=vpn,o=t\" prompt=\"VPN\" read=\"false\" "
+    EXPECT_NE(text.find("<Group name=\"vpn-users\" prompt=\"VPN\" read=\"false\" "
                         "write=\"true\" member=\"restricted\"/>"),
               std::string::npos);
     EXPECT_EQ(text.find("disabled=\"\""), std::string::npos);

@@ -1,5 +1,6 @@
 #include "memory_store.h"
 
+#include "message.h"
 #include "text.h"
 
 namespace lxrapi {
@@ -56,7 +57,7 @@ class MemoryTransaction : public StoreWriter {
     Status Replace(std::string_view dn, std::string_view attribute,
                    const std::vector<std::string>& values) override {
         Entry* e = FindEntry(dn);
-        if (!e) return Status::UpdateFailed("no entry " + std::string(dn));
+        if (!e) return Status::UpdateFailed("No entry " + Quoted(dn));
         e->Set(attribute, values);
         return Status::OK();
     }
@@ -102,7 +103,8 @@ MemoryStore* MemoryStoreProvider::Add(const std::string& path) {
 Status MemoryStoreProvider::Open(const std::string& path, Store** store) {
     auto it = stores_.find(path);
     if (it == stores_.end())
-        return Status::Unreachable("directory store " + path + " cannot be opened: no such store");
+        return Status::Unreachable("Directory store " + Shown(path) +
+                                   " cannot be opened: no such store");
     *store = it->second.get();
     return Status::OK();
 }

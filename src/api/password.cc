@@ -22,7 +22,7 @@ constexpr size_t kMinNameInPassword = 3;
 Status CheckPassword(const PasswordRules& rules, std::string_view password,
                      const std::vector<std::string>& userNames) {
     auto bad = [](const std::string& why) {
-        return Status::BadRequest("attribute userPassword: the new password " + why);
+        return Status::BadRequest("Attribute userPassword: the new password " + why);
     };
     if (password.size() < static_cast<size_t>(rules.minLength))
         return bad("is shorter than " + std::to_string(rules.minLength) + " characters");
@@ -64,18 +64,18 @@ Status HashPassword(const PasswordRules& rules, std::string_view password, std::
     if (rules.scheme == "sha512-crypt") {
         char setting[CRYPT_GENSALT_OUTPUT_SIZE];
         if (!crypt_gensalt_rn("$6$", 0, nullptr, 0, setting, sizeof setting))
-            return Status::UpdateFailed("the password could not be hashed (salt)");
+            return Status::UpdateFailed("The password could not be hashed (salt)");
         struct crypt_data data;
         std::memset(&data, 0, sizeof data);
         const char* hash = crypt_r(clear.c_str(), setting, &data);
         if (!hash || hash[0] == '*')
-            return Status::UpdateFailed("the password could not be hashed");
+            return Status::UpdateFailed("The password could not be hashed");
         *stored = std::string("{CRYPT}") + hash;
         return Status::OK();
     }
     unsigned char salt[kSaltBytes];
     if (getrandom(salt, sizeof salt, 0) != static_cast<ssize_t>(sizeof salt))
-        return Status::UpdateFailed("the password could not be hashed (no random salt)");
+        return Status::UpdateFailed("The password could not be hashed (no random salt)");
     size_t length = argon2_encodedlen(kArgonTime, kArgonMemoryKiB, kArgonLanes, kSaltBytes,
                                       kHashBytes, Argon2_id);
     std::string encoded(length, '\0');
@@ -83,7 +83,7 @@ Status HashPassword(const PasswordRules& rules, std::string_view password, std::
         argon2id_hash_encoded(kArgonTime, kArgonMemoryKiB, kArgonLanes, clear.data(), clear.size(),
                               salt, sizeof salt, kHashBytes, encoded.data(), encoded.size());
     if (rc != ARGON2_OK)
-        return Status::UpdateFailed(std::string("the password could not be hashed: ") +
+        return Status::UpdateFailed(std::string("The password could not be hashed: ") +
                                     argon2_error_message(rc));
     encoded.resize(std::strlen(encoded.c_str()));
     *stored = "{ARGON2}" + encoded;

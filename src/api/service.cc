@@ -5,6 +5,7 @@
 #include "attributes.h"
 #include "clock.h"
 #include "documents.h"
+#include "message.h"
 #include "password.h"
 #include "text.h"
 #include "update_document.h"
@@ -68,7 +69,7 @@ Status FindUser(const Config& config, StoreProvider& stores, const Role& role,
         slash == std::string_view::npos ? std::string_view() : userPath.substr(0, slash);
     std::string_view user =
         Trim(slash == std::string_view::npos ? userPath : userPath.substr(slash + 1));
-    if (user.empty()) return Status::UserUnreadable("no user was named");
+    if (user.empty()) return Status::UserUnreadable("No user was named");
     std::vector<const DirectoryConfig*> candidates;
     if (id.empty()) {
         for (const DirectoryConfig& d : config.directories)
@@ -76,8 +77,8 @@ Status FindUser(const Config& config, StoreProvider& stores, const Role& role,
     } else {
         const DirectoryConfig* d = config.FindDirectory(id);
         if (!d || !MaySeeDirectory(role, *d))
-            return Status::AccessDenied("the directory \"" + std::string(id) +
-                                        "\" is not open to the role \"" + role.name + "\"");
+            return Status::AccessDenied("The directory " + Quoted(id, 100) +
+                                        " is not open to the role " + Quoted(role.name));
         candidates.push_back(d);
     }
     size_t matches = 0;
@@ -85,13 +86,12 @@ Status FindUser(const Config& config, StoreProvider& stores, const Role& role,
         Status s = SearchDirectory(stores, *d, user, &matches, found);
         if (!s.ok()) return s;
     }
-    if (matches == 0)
-        return Status::UserUnreadable("no user \"" + std::string(user) + "\" was found");
+    if (matches == 0) return Status::UserUnreadable("No user " + Quoted(user, 200) + " was found");
     if (matches > 1)
-        return Status::UserUnreadable(std::to_string(matches) + " users match \"" +
-                                      std::string(user) + "\"; name one by its DN");
+        return Status::UserUnreadable(std::to_string(matches) + " users match " +
+                                      Quoted(user, 200) + "; name one by its DN");
     if (found->entry.dn.find('"') != std::string::npos)
-        return Status::UserUnreadable("the entry " + found->entry.dn +
+        return Status::UserUnreadable("The entry " + Quoted(found->entry.dn) +
                                       " cannot be shown: its name holds a quotation mark");
     return Status::OK();
 }
@@ -228,36 +228,46 @@ struct Plan {
     bool changesPassword = false;
 };
 
+// The group of `directory` that an update names: by its identifier (what the
+// page posts) or its DN (what a hand-written file may say). A name that
+// matches neither is tried again with %hh sequences decoded, in case a
+// browser's encoding of the form field name reached us.
+const GroupConfig* FindPostedGroup(const DirectoryConfig& directory, const std::string& name) {
+    if (const GroupConfig* g = directory.FindGroup(name)) return g;
+    std::string decoded = DecodePercent(name);
+    return decoded == name ? nullptr : directory.FindGroup(decoded);
+}
+
 Status CheckAgainstRole(const Config& config, const Role& role, const UpdateDocument& doc,
                         Plan* plan) {
     for (const DirectoryConfig& d : config.directories)
         if (!plan->directory && MaySeeDirectory(role, d) && IsBelow(doc.userDn, d.base))
             plan->directory = &d;
     if (!plan->directory)
-        return Status::AccessDenied("the user " + doc.userDn +
-                                    " is not in a directory open to the role \"" + role.name +
-                                    "\"");
+        return Status::AccessDenied("The user " + Quoted(doc.userDn, 200) +
+                                    " is not in a directory open to the role " + Quoted(role.name));
     for (const GroupUpdate& g : doc.groups) {
-        const GroupConfig* found = nullptr;
-        for (const GroupConfig& c : plan->directory->groups)
-            if (DnKey(c.dn) == DnKey(g.name)) found = &c;
-        if (!found || !MayWriteGroup(role, g.name))
-            return Status::AccessDenied("the membership of group " + g.name +
-                                        " may not be changed in the role \"" + role.name + "\"");
+        const GroupConfig* found = FindPostedGroup(*plan->directory, g.name);
+        if (!found)
+            return Status::AccessDenied("The directory " + Quoted(plan->directory->id) +
+                                        " shows no group " + Quoted(g.name, 200));
+        if (!MayWriteGroup(role, found->dn))
+            return Status::AccessDenied("The membership of the group " + Quoted(found->id) +
+                                        " may not be changed in the role " + Quoted(role.name));
         plan->groups.push_back({found, g.member == "1"});
     }
     for (const AttributeUpdate& a : doc.attributes)
         if (!MayWrite(role, a.name))
-            return Status::AccessDenied("the attribute " + a.name +
-                                        " may not be changed in the role \"" + role.name + "\"");
+            return Status::AccessDenied("The attribute " + Quoted(a.name, 100) +
+                                        " may not be changed in the role " + Quoted(role.name));
     return Status::OK();
 }
 
 Status CheckValues(const UpdateDocument& doc, Plan* plan) {
     for (const GroupUpdate& g : doc.groups)
         if (g.member != "1" && g.member != "0")
-            return Status::BadRequest("group " + g.name + ": member value \"" + g.member +
-                                      "\" must be 1 or 0");
+            return Status::BadRequest("Group " + Quoted(g.name, 200) + ": the member value " +
+                                      Quoted(g.member, 40) + " must be 1 or 0");
     for (const AttributeUpdate& a : doc.attributes) {
         const AttributeInfo& info = *FindAttribute(a.name);
         if (info.form == ValueForm::kPassword) {
@@ -265,7 +275,7 @@ Status CheckValues(const UpdateDocument& doc, Plan* plan) {
             for (const std::string& v : a.values) given += v.empty() ? 0 : 1;
             if (given != 1)
                 return Status::BadRequest(
-                    "attribute userPassword: exactly one new password "
+                    "Attribute userPassword: exactly one new password "
                     "must be given");
             plan->changesPassword = true;
             continue;
@@ -286,7 +296,9 @@ Status PreparePassword(const Config& config, Store& store, const UpdateDocument&
     bool found = false;
     Status s = store.Read([&](StoreReader& r) { return r.Get(doc.userDn, &user, &found); });
     if (!s.ok()) return s;
-    if (!found) return Status::UserUnreadable("the user entry " + doc.userDn + " does not exist");
+    if (!found)
+        return Status::UserUnreadable("The user entry " + Quoted(doc.userDn, 200) +
+                                      " does not exist");
     if (!plan->changesPassword) return Status::OK();
     std::string password;
     for (const AttributeUpdate& a : doc.attributes)
@@ -331,7 +343,7 @@ Status ApplyPlan(StoreWriter& w, const Plan& plan, AuditRecord* audit) {
     Status s = w.Get(plan.document->userDn, &before, &found);
     if (!s.ok()) return s;
     if (!found)
-        return Status::UserUnreadable("the user entry " + plan.document->userDn +
+        return Status::UserUnreadable("The user entry " + Quoted(plan.document->userDn, 200) +
                                       " does not exist");
     audit->user = before.dn;
     Entry after = ApplyAttributes(before, plan);
@@ -359,7 +371,8 @@ Status ApplyPlan(StoreWriter& w, const Plan& plan, AuditRecord* audit) {
         bool exists = false;
         if (!(s = w.Get(g.group->dn, &group, &exists)).ok()) return s;
         if (!exists)
-            return Status::UpdateFailed("the group entry " + g.group->dn + " does not exist");
+            return Status::UpdateFailed("The group entry " + Quoted(g.group->dn) +
+                                        " does not exist");
         std::vector<std::string> members = group.Values("member"), kept;
         bool was = false;
         for (const std::string& m : members) {

@@ -24,8 +24,9 @@ class ServiceTest : public ::testing::Test {
         }
         return s;
     }
-    Status Write(const std::string& body, const char* role = "desk", const char* dn = kAnn) {
-        return WriteUser(f_.config, f_.stores, role, kLead,
+    Status Write(const std::string& body, const char* role = "desk", const char* dn = kAnn,
+                 const char* admin = kLead) {
+        return WriteUser(f_.config, f_.stores, role, admin,
                          std::string("<User name=\"") + dn + "\">\n" + body + "</User>\n");
     }
     std::vector<AuditRecord> Audit() {
@@ -92,12 +93,17 @@ TEST_F(ServiceTest, UsersAreFoundByDnOrByName) {
         {"people/UID=Ann, OU=People, O=t", kOk, kAnn},
         {"/dee", kOk, "uid=dee,ou=other,o=t"},  // no directory: all of the role's
         {"dee", kOk, "uid=dee,ou=other,o=t"},
-        {"people/Twin", kUserUnreadable, "2 users match \"Twin\""},
-        {"people/zed", kUserUnreadable, "no user \"zed\""},
+        {"people/Twin", kUserUnreadable, "2 users match 'Twin'"},
+        {"people/zed", kUserUnreadable, "No user 'zed'"},
         {"people/uid=zed,ou=people,o=t", kUserUnreadable, "uid=zed"},
-        {"other/ann", kUserUnreadable, "no user \"ann\""},
-        {"people/", kUserUnreadable, "no user was named"},
-        {"secret/ann", kAccessDenied, "\"secret\""},
+        {"other/ann", kUserUnreadable, "No user 'ann'"},
+        {"people/", kUserUnreadable, "No user was named"},
+        {"secret/ann", kAccessDenied, "'secret'"},
+        // What the administrator typed comes back without what the page
+        // cannot show.
+        {"people/<b>\"x\"\\", kUserUnreadable,
+         "No user '?b??x?"
+         "?' was found"},
     };
     for (const Case& c : cases) {
         Status s = Read("desk", kLead, c.path);
@@ -183,15 +189,62 @@ TEST_F(ServiceTest, RedirectEntriesChangeOneByOne) {
 }
 
 TEST_F(ServiceTest, GroupMembershipChanges) {
-    ASSERT_TRUE(Write("<Group name=\"cn=locked,ou=groups,o=t\" member=\"1\"/>"
+    ASSERT_TRUE(Write("<Group name=\"locked-out\" member=\"1\"/>"
                       "<Group name=\"CN=vpn, ou=groups, o=t\" member=\"0\"/>")
                     .ok());
     ASSERT_TRUE(Read("desk", kLead, "people/ann").ok());
+    EXPECT_EQ(user_.groups[0].name, "locked-out");
     EXPECT_EQ(user_.groups[0].member, "true");
+    EXPECT_EQ(user_.groups[1].name, "vpn");
     EXPECT_EQ(user_.groups[1].member, "false");
     EXPECT_EQ(user_.disabled, "Locked by policy");
     EXPECT_EQ(f_.Get("cn=locked,ou=groups,o=t").Values("member").size(), 2u);
-    EXPECT_EQ(Write("<Group name=\"cn=locked,ou=groups,o=t\" member=\"2\"/>").code(), kBadRequest);
+    EXPECT_EQ(Write("<Group name=\"locked-out\" member=\"2\"/>").code(), kBadRequest);
+}
+
+// The page posts the identifier; a hand-written file may name the DN; either
+// may arrive percent-encoded (a browser encodes form field names).
+TEST_F(ServiceTest, GroupsAreNamedByIdentifierOrDn) {
+    struct Case {
+        const char* name;
+        int code;
+        const char* message;
+    } cases[] = {
+        {"locked-out", kOk, ""},
+        {"LOCKED-OUT", kOk, ""},
+        {"cn=locked,ou=groups,o=t", kOk, ""},
+        {"CN=Locked, OU=groups, o=t", kOk, ""},
+        {"locked%2Dout", kOk, ""},
+        {"cn%3Dlocked%2Cou%3Dgroups%2Co%3Dt", kOk, ""},
+        {"cn%3dlocked%2cou%3dgroups%2co%3dt", kOk, ""},
+        {"locked", kAccessDenied, "The directory 'people' shows no group 'locked'"},
+        {"cn=other,o=t", kAccessDenied, "shows no group 'cn=other,o=t'"},
+        {"locked-out%", kAccessDenied, "shows no group 'locked-out%'"},
+        {"locked%2", kAccessDenied, "shows no group 'locked%2'"},
+        {"cn%3Dlocked+out", kAccessDenied, "shows no group 'cn%3Dlocked+out'"},
+        {"a<b>&amp;", kAccessDenied, "shows no group 'a?b?&amp;'"},
+    };
+    for (const Case& c : cases) {
+        for (const char* member : {"1", "0"}) {
+            std::string body =
+                std::string("<Group name=\"") + c.name + "\" member=\"" + member + "\"/>";
+            Status s = Write(body);
+            EXPECT_EQ(s.code(), c.code) << body << ": " << s.message();
+            EXPECT_NE(s.message().find(c.message), std::string::npos) << s.message();
+            if (c.code != kOk) continue;
+            ASSERT_TRUE(Read("desk", kLead, "people/ann").ok());
+            EXPECT_EQ(user_.groups[0].member, *member == '1' ? "true" : "false") << body;
+        }
+    }
+    // A group the role may not change is refused by its identifier.
+    Status s = Write("<Group name=\"cn=locked,ou=groups,o=t\" member=\"1\"/>", "reader", kAnn,
+                     "uid=reader,ou=admins,o=t");
+    EXPECT_EQ(s.code(), kAccessDenied);
+    EXPECT_EQ(s.message(),
+              "The membership of the group 'locked-out' may not be changed in the role 'reader'");
+    EXPECT_TRUE(
+        Write("<Group name=\"vpn\" member=\"0\"/>", "reader", kAnn, "uid=reader,ou=admins,o=t")
+            .ok());
 }
 
 TEST_F(ServiceTest, PasswordsAreCheckedAndStoredHashed) {
@@ -246,7 +299,7 @@ TEST_F(ServiceTest, ForbiddenOrBadWritesChangeNothing) {
          "cn"},
         {good + "<Group name=\"cn=other,o=t\" member=\"1\"/>", "desk", kAnn, kAccessDenied,
          "cn=other,o=t"},
-        {good, "reader", kAnn, kAccessDenied, "\"reader\""},  // lead is not a reader
+        {good, "reader", kAnn, kAccessDenied, "'reader'"},  // lead is not a reader
         {good, "desk", "uid=x,ou=elsewhere,o=t", kAccessDenied, "uid=x,ou=elsewhere,o=t"},
         {good + "<Attribute name=\"kvlxrDisableUntil\"><Value>tomorrow</Value></Attribute>", "desk",
          kAnn, kBadRequest, "tomorrow"},
@@ -272,7 +325,7 @@ TEST_F(ServiceTest, ForbiddenOrBadWritesChangeNothing) {
 
 TEST_F(ServiceTest, AppliedWritesAreAudited) {
     ASSERT_TRUE(Write("<Attribute name=\"kvlxrFailureCount\"><Value>0 20260601120000Z</Value>"
-                      "</Attribute><Group name=\"cn=locked,ou=groups,o=t\" member=\"1\"/>")
+                      "</Attribute><Group name=\"locked-out\" member=\"1\"/>")
                     .ok());
     ASSERT_TRUE(Write("").ok());  // nothing changed: recorded all the same
     std::vector<AuditRecord> audit = Audit();

@@ -6,6 +6,7 @@
 
 #include <mutex>
 
+#include "message.h"
 #include "text.h"
 
 namespace lxrapi {
@@ -253,7 +254,7 @@ class SqliteTransaction : public StoreWriter {
         long long id = 0;
         Status s = EntryId(dn, &id, nullptr);
         if (!s.ok()) return s;
-        if (id == 0) return Status::UpdateFailed("no entry " + std::string(dn));
+        if (id == 0) return Status::UpdateFailed("No entry " + Quoted(dn));
         Query del(store_, "DELETE FROM value WHERE entry = ?1 AND attr_key = ?2");
         if (!del.ok()) return del.status();
         if (!(s = del.Bind(1, id).Bind(2, Lower(attribute)).Run()).ok()) return s;
@@ -302,7 +303,7 @@ class SqliteTransaction : public StoreWriter {
 };
 
 Status OpenFailure(const std::string& path, const std::string& why) {
-    return Status::Unreachable("directory store " + path + " cannot be opened: " + why);
+    return Status::Unreachable("Directory store " + Shown(path) + " cannot be opened: " + why);
 }
 
 }  // namespace
@@ -315,9 +316,9 @@ SqliteStore::~SqliteStore() {
 
 Status SqliteStore::Error(const std::string& what) const {
     int code = sqlite3_errcode(db_);
-    std::string text = "directory store " + path_ + ": " + what + ": " + sqlite3_errmsg(db_);
+    std::string text = "Directory store " + Shown(path_) + ": " + what + ": " + sqlite3_errmsg(db_);
     if (code == SQLITE_BUSY || code == SQLITE_LOCKED)
-        return Status::Unreachable("directory store " + path_ +
+        return Status::Unreachable("Directory store " + Shown(path_) +
                                    " is locked: " + sqlite3_errmsg(db_));
     if (code == SQLITE_CONSTRAINT) return Status::UpdateFailed(text);
     return Status::Unreachable(text);
@@ -380,7 +381,8 @@ Status SqliteStore::Open(const std::string& path, int busyTimeoutMs,
 
 Status SqliteStore::Create(const std::string& path, std::unique_ptr<SqliteStore>* store) {
     struct stat st {};
-    if (::stat(path.c_str(), &st) == 0) return Status::UpdateFailed(path + " already exists");
+    if (::stat(path.c_str(), &st) == 0)
+        return Status::UpdateFailed("Directory store " + Shown(path) + " already exists");
     sqlite3* db = nullptr;
     int rc =
         sqlite3_open_v2(path.c_str(), &db,
@@ -388,7 +390,7 @@ Status SqliteStore::Create(const std::string& path, std::unique_ptr<SqliteStore>
     if (rc != SQLITE_OK) {
         std::string why = db ? sqlite3_errmsg(db) : "out of memory";
         sqlite3_close_v2(db);
-        return Status::Unreachable("directory store " + path + " cannot be created: " + why);
+        return Status::Unreachable("Directory store " + Shown(path) + " cannot be created: " + why);
     }
     std::unique_ptr<SqliteStore> s(new SqliteStore(path, db));
     std::string setup = std::string("PRAGMA journal_mode=WAL; BEGIN; ") + kSchema +
@@ -403,7 +405,7 @@ Status SqliteStore::Create(const std::string& path, std::unique_ptr<SqliteStore>
 
 Status SqliteStore::RunTransaction(const char* begin, const std::function<Status()>& body) {
     std::lock_guard<std::mutex> lock(mutex_);
-    if (!db_) return Status::Unreachable("directory store " + path_ + " is closed");
+    if (!db_) return Status::Unreachable("Directory store " + Shown(path_) + " is closed");
     Status s = Exec(begin);
     if (!s.ok()) return s;
     s = body();

@@ -38,10 +38,12 @@ base = "ou=people,o=t"
 naming = ["uid", "cn"]
 
   [[directory.group]]
+  id = "locked-out"
   dn = "cn=locked,ou=groups,o=t"
   prompt = "#Locked"
   reason = "Locked by policy"
 
+  # Without "id": the DN's first value, "vpn", names the group.
   [[directory.group]]
   dn = "cn=vpn,ou=groups,o=t"
   prompt = "VPN"

@@ -34,4 +34,8 @@ bool IsBelow(std::string_view dn, std::string_view base);
 
 bool AllDigits(std::string_view text);
 
+// Every "%" followed by two hex digits replaced by that byte; anything else,
+// "+" and a "%" without two hex digits included, kept as it stands.
+std::string DecodePercent(std::string_view text);
+
 }  // namespace lxrapi

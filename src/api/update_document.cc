@@ -32,7 +32,7 @@ class Cursor {
     bool AtEnd() const { return pos_ >= text_.size(); }
 
     Status Fail(const std::string& expected) const {
-        return Status::BadRequest("update document: expected " + expected + " at offset " +
+        return Status::BadRequest("Update document: expected " + expected + " at offset " +
                                   std::to_string(pos_));
     }
 
@@ -52,7 +52,8 @@ Status ReadGroup(Cursor& c, GroupUpdate* g) {
             if (!c.Until("\"", &g->member)) return c.Fail("the end of the member value");
             haveMember = true;
         } else {
-            return c.Fail(haveName && haveMember ? "\"/>\"" : "name=\" or member=\"");
+            return c.Fail(haveName && haveMember ? "the end of the Group element"
+                                                 : "a name or member attribute");
         }
         c.SkipBlanks();
     }
@@ -61,13 +62,14 @@ Status ReadGroup(Cursor& c, GroupUpdate* g) {
 }
 
 Status ReadAttribute(Cursor& c, AttributeUpdate* a) {
-    if (!c.Consume("name=\"") || !c.Until("\"", &a->name)) return c.Fail("name=\"...\"");
+    if (!c.Consume("name=\"") || !c.Until("\"", &a->name))
+        return c.Fail("the name of the Attribute");
     c.SkipBlanks();
     if (c.Consume("/>")) {
         a->selfClosing = true;
         return Status::OK();
     }
-    if (!c.Consume(">")) return c.Fail("\">\" or \"/>\"");
+    if (!c.Consume(">")) return c.Fail("the end of the Attribute start tag");
     for (;;) {
         c.SkipBlanks();
         if (c.Consume("</Attribute>")) return Status::OK();
@@ -75,10 +77,10 @@ Status ReadAttribute(Cursor& c, AttributeUpdate* a) {
             a->values.emplace_back();
         } else if (c.Consume("<Value>")) {
             std::string value;
-            if (!c.Until("</Value>", &value)) return c.Fail("\"</Value>\"");
+            if (!c.Until("</Value>", &value)) return c.Fail("the end of the Value");
             a->values.push_back(std::move(value));
         } else {
-            return c.Fail("<Value>, <Value/> or </Attribute>");
+            return c.Fail("a Value or the end of the Attribute");
         }
     }
 }
@@ -94,13 +96,13 @@ Status ParseUpdateDocument(std::string_view text, UpdateDocument* document) {
         if (!c.Until("?>", &declaration)) return c.Fail("the end of the XML declaration");
         c.SkipBlanks();
     }
-    if (!c.Consume("<User")) return c.Fail("<User");
+    if (!c.Consume("<User")) return c.Fail("a User element");
     c.SkipBlanks();
     if (!c.Consume("name=\"") || !c.Until("\"", &document->userDn))
-        return c.Fail("name=\"...\" in <User>");
+        return c.Fail("the name of the User");
     if (document->userDn.empty()) return c.Fail("a non-empty user name");
     c.SkipBlanks();
-    if (!c.Consume(">")) return c.Fail("\">\" after the user name");
+    if (!c.Consume(">")) return c.Fail("the end of the User start tag");
     for (;;) {
         c.SkipBlanks();
         if (c.Consume("</User>")) break;
@@ -114,12 +116,12 @@ Status ParseUpdateDocument(std::string_view text, UpdateDocument* document) {
             document->attributes.emplace_back();
             s = ReadAttribute(c, &document->attributes.back());
         } else {
-            s = c.Fail("<Group, <Attribute or </User>");
+            s = c.Fail("a Group, an Attribute or the end of the User");
         }
         if (!s.ok()) return s;
     }
     c.SkipBlanks();
-    if (!c.AtEnd()) return c.Fail("the end of the document after </User>");
+    if (!c.AtEnd()) return c.Fail("nothing after the end of the User");
     return Status::OK();
 }
 

@@ -1,7 +1,7 @@
 // Reads the update document that the program sends to LXRAdminWrite:
 //
 //   <User name="DN">
-//       <Group name="GROUP" member="1"/>
+//       <Group name="GROUP" member="1"/>            (GROUP: identifier or DN)
 //       <Attribute name="NAME"/>                     (clear a history)
 //       <Attribute name="NAME">
 //           <Value>raw text</Value>  or  <Value/>
@@ -24,7 +24,7 @@
 namespace lxrapi {
 
 struct GroupUpdate {
-    std::string name;    // the group's DN as posted
+    std::string name;    // as posted: the group's identifier or DN, maybe percent-encoded
     std::string member;  // "1" add, "0" remove (anything else is refused later)
 };
 
@@ -40,7 +40,8 @@ struct UpdateDocument {
     std::vector<AttributeUpdate> attributes;  // in document order
 };
 
-// Fails with kBadRequest and a message giving the byte offset of the fault.
+// Fails with kBadRequest and a message giving the byte offset of the fault
+// (in words: the message must not hold markup).
 Status ParseUpdateDocument(std::string_view text, UpdateDocument* document);
 
 }  // namespace lxrapi
