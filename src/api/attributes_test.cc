@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <sstream>
+
+#include "config.h"
 #include "message.h"
 
 namespace lxrapi {
@@ -88,6 +92,47 @@ TEST(AttributesTest, ValuesAreCheckedAgainstTheirForm) {
     }
     EXPECT_FALSE(
         ValidateValue(*FindAttribute("kvlxrImmediateChange"), std::string(2000, 'x')).ok());
+}
+
+// The catalogue's form of a key: a byte other than a letter, a digit or "-"
+// becomes "_" and two hex digits ("#Failure Count" is "_23Failure_20Count").
+std::string CatalogueKey(const std::string& key) {
+    std::string out;
+    for (unsigned char c : key) {
+        if ((c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') ||
+            c == '-') {
+            out += static_cast<char>(c);
+        } else {
+            char hex[4];
+            std::snprintf(hex, sizeof hex, "_%02X", c);
+            out += hex;
+        }
+    }
+    return out;
+}
+
+// Every prompt the API sends is a catalogue key; the German web catalogue
+// must translate each (the demo's group prompts included).
+TEST(AttributesTest, EveryPromptHasAGermanText) {
+    std::ifstream in(std::string(LXR_SOURCE_DIR) + "/catalogue/LXRAdmin/de.txt");
+    ASSERT_TRUE(in) << "no catalogue/LXRAdmin/de.txt";
+    std::stringstream text;
+    text << in.rdbuf();
+    std::vector<std::string> prompts = {"#Groups"};
+    for (Section s :
+         {Section::kStatus, Section::kPassword, Section::kActivity, Section::kRedirects})
+        prompts.push_back(SectionPrompt(s));
+    for (const AttributeInfo& info : AttributeTable()) prompts.push_back(info.prompt);
+    Config demo;
+    Status s = LoadConfig(std::string(LXR_SOURCE_DIR) + "/examples/lxrapi.toml", &demo);
+    ASSERT_TRUE(s.ok()) << s.message();
+    for (const DirectoryConfig& d : demo.directories)
+        for (const GroupConfig& g : d.groups) prompts.push_back(g.prompt);
+    for (const std::string& prompt : prompts) {
+        ASSERT_EQ(prompt[0], '#') << prompt;
+        EXPECT_NE(text.str().find("\n    " + CatalogueKey(prompt) + "{\""), std::string::npos)
+            << prompt << " (" << CatalogueKey(prompt) << ") has no German text";
+    }
 }
 
 }  // namespace
