@@ -211,7 +211,7 @@ test('disable forever with a comment, remove a redirect, add a group, override d
   assert.match(trail, /by uid=hd\.agent,ou=admins,o=example as helpdesk/);
   assert.match(trail, /kvlxrDisableUntil: "" -> "FOREVER on-hold"/);
   assert.match(trail, /kvlxrAccountInactivityDays: "" -> "30 temporary"/);
-  assert.match(trail, /vpn-users/);
+  assert.match(trail, /group cn=vpn-users,ou=groups,o=example: "not a member" -> "member"/);
 
   // The page read again shows the new state.
   const again = request('GET', 'USERDIR=staff&USER=sybil').body;
