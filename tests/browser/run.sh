@@ -23,7 +23,8 @@ if [ -z "${LXR_EXE:-}" ]; then
   export LXR_EXE=$build/src/driver/LXRAdmin
   export LXR_PROBE=$build/tests/browser/lxr_env_probe
   export LXR_LXRDIR=${LXR_LXRDIR:-$(find "$build/src/api" -type f -name lxrdir -perm -u+x 2>/dev/null | head -1)}
-  export LXR_SOURCE_DIR=$(cd "$here/../.." && pwd)
+  LXR_SOURCE_DIR=$(cd "$here/../.." && pwd)
+  export LXR_SOURCE_DIR
   export LXR_ARTIFACTS=$here/artifacts
 fi
 
