@@ -19,6 +19,11 @@ const groupDn = (id) => `cn=${id},ou=groups,o=example`;
 const SUCCESS = 'Operation Successful';
 const NOT_A_DATE = '[KV-LXR-12059] This is not a valid date.';
 const MUST_BE_BLANK = '[KV-LXR-12016] This field must be blank.';
+const TITLES = {
+  'Disabled.gif': 'User will not be able to login',
+  'Redisable.gif': 'Unless reset, this value may cause the user to be disabled at next login',
+  'Blank.gif': '',
+};
 
 let demo;
 let helpdesk;
@@ -184,7 +189,7 @@ describe('display page', () => {
         const p = await picture(page, name);
         assert.equal(p.file, file, `${uid} ${name}`);
         assert.equal(p.width, 20, `${uid} ${name} loaded`);
-        assert.equal(p.title, file === 'Blank.gif' ? '' : p.title, `${uid} ${name}`);
+        assert.equal(p.title, TITLES[file], `${uid} ${name}`);
       }
       if (uid === 'rupert') await screenshot(page, 'display-rupert');
       await page.close();
