@@ -92,7 +92,9 @@ AccountState EvaluateAccount(const Entry& user, const Policy& policy,
         if (since + limit * 86400 < now) {
             state.reasons.push_back("Inactive since " + FormatReadable(since));
             state.redisable.insert("kvlxraccountinactivitydays");
-            state.redisable.insert("kvlxrbasedate");
+            // Only a stored base date can be reset to now from the page; an
+            // unset one offers no control, so it carries no warning either.
+            if (haveBase) state.redisable.insert("kvlxrbasedate");
         }
     }
 

@@ -56,6 +56,12 @@ TEST(AccountStateTest, EveryReasonAndItsRedisableFlag) {
          {}},
         {{{"kvlxrLastLogin", "20260401000000Z 10.0.0.1"}, {"kvlxrAccountInactivityDays", "30"}},
          "Inactive since 2026-04-01 00:00 UTC",
+         {"kvlxraccountinactivitydays"}},
+        // A stored base date that is also too old can be reset from the page.
+        {{{"kvlxrLastLogin", "20260401000000Z 10.0.0.1"},
+          {"kvlxrAccountInactivityDays", "30"},
+          {"kvlxrBaseDate", "20260301000000Z migrated"}},
+         "Inactive since 2026-04-01 00:00 UTC",
          {"kvlxraccountinactivitydays", "kvlxrbasedate"}},
         // A later base date restarts the inactivity clock.
         {{{"kvlxrLastLogin", "20260401000000Z 10.0.0.1"},
