@@ -72,6 +72,10 @@ void LogEntry() {
 )");
 }
 
+// The date choices' onClick scripts reach the row's status picture as
+// DisplayForm.elements['<name>_IMAGE'], but a picture is not a form control,
+// so browsers find nothing there. The picture is already on the page when the
+// date controls are written, so it is named among the form's elements here.
 void DateEntry() {
     PageText m[12] = {{Lang, kMonthKeys[0], kMonths[0]},   {Lang, kMonthKeys[1], kMonths[1]},
                       {Lang, kMonthKeys[2], kMonths[2]},   {Lang, kMonthKeys[3], kMonths[3]},
@@ -119,6 +123,9 @@ void DateEntry() {
         document.write('<OPTION VALUE="' + Pad2(i) + '"' + (i == Dt.getSeconds() ? ' SELECTED' : '') +
             '>' + Pad2(i) + '</OPTION>');
     document.write('</SELECT>');
+    var F = document.forms['DisplayForm'];
+    if (F && !F.elements[strName + '_IMAGE'] && document.images[strName + '_IMAGE'])
+        F.elements[strName + '_IMAGE'] = document.images[strName + '_IMAGE'];
 )",
                         m[0].buffer, m[1].buffer, m[2].buffer, m[3].buffer, m[4].buffer,
                         m[5].buffer, m[6].buffer, m[7].buffer, m[8].buffer, m[9].buffer,
