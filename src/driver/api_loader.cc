@@ -39,19 +39,21 @@ struct Library {
     std::string error;  // why loading failed; empty when it worked
 };
 
-// Loaded once per process and never closed. The library is looked for by
+// Loaded once per process and never closed, with lazy binding: a request
+// calls a small part of the library and its dependencies.
+// The library is looked for by
 // name, as the dynamic linker finds one (LD_LIBRARY_PATH, the executable's
 // run path, the system directories), then where the build put it: a
 // sanitizer's interception of dlopen hides the executable's run path.
 const Library& Load() {
     static const Library library = [] {
         Library l;
-        void* handle = dlopen(LXRAPI_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+        void* handle = dlopen(LXRAPI_LIBRARY, RTLD_LAZY | RTLD_LOCAL);
         if (handle == nullptr) {
             const char* why = dlerror();
             l.error = why ? why : LXRAPI_LIBRARY;
             if (*LXRAPI_BUILD_PATH != '\0')
-                handle = dlopen(LXRAPI_BUILD_PATH, RTLD_NOW | RTLD_LOCAL);
+                handle = dlopen(LXRAPI_BUILD_PATH, RTLD_LAZY | RTLD_LOCAL);
             if (handle == nullptr) return l;
             l.error.clear();
         }

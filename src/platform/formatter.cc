@@ -1,5 +1,6 @@
 #include "platform/formatter.h"
 
+#include <charconv>
 #include <cstring>
 
 CKvFormatter prtFormatter;
@@ -31,6 +32,20 @@ long long NumberOf(const CpaArg* arg) {
 // decides the width of the unsigned conversions (`wide`).
 void FormatOne(std::string& out, const std::string& flags, bool wide, char conv,
                const CpaArg* arg) {
+    // The common plain conversions are appended without the C library: a page
+    // holds thousands of them (every option of the day lists is one).
+    if (flags.empty()) {
+        if (conv == 's' && arg != nullptr && arg->isText) {
+            out.append(arg->text ? arg->text : "(null)");
+            return;
+        }
+        if ((conv == 'd' || conv == 'i') && (arg == nullptr || !arg->isText)) {
+            char digits[24];
+            auto r = std::to_chars(digits, digits + sizeof digits, NumberOf(arg));
+            out.append(digits, static_cast<size_t>(r.ptr - digits));
+            return;
+        }
+    }
     std::string spec = "%" + flags;
     switch (conv) {
         case 's': {
