@@ -231,15 +231,36 @@ TEST_F(ApiTest, ALockedStoreFailsWithoutHalfAWrite) {
     std::string text = testing::kConfigText;
     WriteConfig("[store]\nbusy_timeout_ms = 100\n" +
                 std::regex_replace(text, std::regex("/mem/(admins|people)"), "people.db"));
-    sqlite3* other = nullptr;
-    ASSERT_EQ(sqlite3_open(store_.c_str(), &other), SQLITE_OK);
-    ASSERT_EQ(sqlite3_exec(other, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
+    // The lock is held by another process, as another CGI request would: two
+    // SQLite copies in one process (the test's and the library's) would not
+    // see each other's locks.
+    int locked[2], done[2];
+    ASSERT_EQ(pipe(locked), 0);
+    ASSERT_EQ(pipe(done), 0);
+    pid_t holder = fork();
+    ASSERT_GE(holder, 0);
+    if (holder == 0) {
+        sqlite3* other = nullptr;
+        char c = 'x';
+        if (sqlite3_open(store_.c_str(), &other) == SQLITE_OK &&
+            sqlite3_exec(other, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr) == SQLITE_OK)
+            c = 'L';
+        if (write(locked[1], &c, 1) != 1 || read(done[0], &c, 1) != 1) _exit(1);
+        sqlite3_exec(other, "ROLLBACK", nullptr, nullptr, nullptr);
+        sqlite3_close(other);
+        _exit(0);
+    }
+    char state = 0;
+    ASSERT_EQ(read(locked[0], &state, 1), 1);
+    ASSERT_EQ(state, 'L');
     std::string message;
     EXPECT_EQ(Write("<Attribute name=\"kvlxrFailureCount\"><Value>0</Value></Attribute>", &message),
               kUnreachable);
     EXPECT_NE(message.find("is locked"), std::string::npos) << message;
-    sqlite3_exec(other, "ROLLBACK", nullptr, nullptr, nullptr);
-    sqlite3_close(other);
+    ASSERT_EQ(write(done[1], "g", 1), 1);
+    int status = 0;
+    waitpid(holder, &status, 0);
+    for (int fd : {locked[0], locked[1], done[0], done[1]}) close(fd);
     EXPECT_NE(ReadDocument().find("<Value>2 20260530101010Z 10.0.0.5</Value>"), std::string::npos);
 }
 
