@@ -12,7 +12,7 @@
 #include "lxrapi.h"
 #include "message.h"
 #include "service.h"
-#include "sqlite_store.h"
+#include "store_factory.h"
 
 namespace {
 
@@ -94,7 +94,7 @@ extern "C" int LXRAdminRead(const char* identity, const char* administratorPath,
         std::string document;
         int count = 0;
         if (s.ok()) {
-            lxrapi::SqliteStoreProvider stores(config->busyTimeoutMs);
+            lxrapi::ConfiguredStores stores(*config);
             s = lxrapi::ReadUser(*config, stores, Text(identity), Text(administratorPath),
                                  Text(userPath), &document, &count);
         }
@@ -116,7 +116,7 @@ extern "C" int LXRAdminWrite(const char* identity, const char* administratorPath
             if (!updateDocument) {
                 s = Status::BadRequest("No update document was given");
             } else {
-                lxrapi::SqliteStoreProvider stores(config->busyTimeoutMs);
+                lxrapi::ConfiguredStores stores(*config);
                 s = lxrapi::WriteUser(*config, stores, Text(identity), Text(administratorPath),
                                       updateDocument);
             }

@@ -43,6 +43,25 @@ const DirectoryConfig* Config::FindDirectory(std::string_view id) const {
     return nullptr;
 }
 
+bool IsLdapUrl(std::string_view store) {
+    std::string head = Lower(store.substr(0, 8));
+    return head.rfind("ldap://", 0) == 0 || head.rfind("ldaps://", 0) == 0 ||
+           head.rfind("ldapi://", 0) == 0;
+}
+
+namespace {
+std::string_view WithoutSlash(std::string_view url) {
+    while (!url.empty() && url.back() == '/') url.remove_suffix(1);
+    return url;
+}
+}  // namespace
+
+const LdapConfig* Config::FindLdap(std::string_view url) const {
+    for (const LdapConfig& l : ldap)
+        if (EqualsNoCase(l.url, WithoutSlash(url))) return &l;
+    return nullptr;
+}
+
 const Role* Config::FindRole(std::string_view name) const {
     for (const Role& r : roles)
         if (EqualsNoCase(r.name, name)) return &r;
@@ -147,6 +166,7 @@ class Reader {
 
     std::string Resolve(const std::string& store) const {
         if (!store.empty() && store[0] == '/') return store;
+        if (IsLdapUrl(store)) return std::string(WithoutSlash(store));
         size_t slash = path_.rfind('/');
         std::string folder = slash == std::string::npos ? "." : path_.substr(0, slash);
         if (folder.empty()) folder = "/";
@@ -219,6 +239,8 @@ bool ReadDirectory(Reader& r, const toml::table& t, int index, Config* config) {
     if (d.base.find('=') == std::string::npos)
         return r.Fail(d.line, where + ": 'base' is not a distinguished name");
     d.store = r.Resolve(d.store);
+    if (IsLdapUrl(d.store) && !config->FindLdap(d.store))
+        return r.Fail(d.line, where + ": no [[ldap]] has the url " + Quoted(d.store));
     NameSet naming;
     if (!r.Names(t, "naming", where.c_str(), false, &naming)) return false;
     if (naming.all) return r.Fail(d.line, where + ": 'naming' must list attribute names");
@@ -302,6 +324,62 @@ bool ReadPolicy(Reader& r, const toml::table& t, Policy* p) {
     return true;
 }
 
+// One [[ldap]] table: a server, how to bind to it, and where its audit is kept.
+bool ReadLdap(Reader& r, const toml::table& t, int index, Config* config) {
+    LdapConfig l;
+    l.line = Reader::Line(t);
+    std::string where = "ldap " + std::to_string(index + 1);
+    if (t.get("password"))
+        return r.Fail(Reader::Line(*t.get("password")),
+                      where +
+                          ": a password is not written here; name a file with "
+                          "'password_file' or an environment variable with 'password_env'");
+    if (!r.OnlyKeys(t, where.c_str(),
+                    {"url", "bind_dn", "password_file", "password_env", "tls", "ca_file",
+                     "tls_verify", "timeout_ms", "audit", "auxiliary_class"}) ||
+        !r.String(t, "url", where.c_str(), true, &l.url))
+        return false;
+    if (!IsLdapUrl(l.url) || l.url.find_first_of(" \t") != std::string::npos)
+        return r.Fail(l.line, where + ": 'url' must begin with ldap://, ldaps:// or ldapi://");
+    l.url = std::string(WithoutSlash(l.url));
+    if (config->FindLdap(l.url))
+        return r.Fail(l.line, where + ": the url " + Quoted(l.url) + " is declared twice");
+    where = "ldap " + Quoted(l.url);
+    std::string tls = "none";
+    if (!r.String(t, "bind_dn", where.c_str(), false, &l.bindDn) ||
+        !r.String(t, "password_file", where.c_str(), false, &l.passwordFile) ||
+        !r.String(t, "password_env", where.c_str(), false, &l.passwordEnv) ||
+        !r.String(t, "tls", where.c_str(), false, &tls) ||
+        !r.String(t, "ca_file", where.c_str(), false, &l.caFile) ||
+        !r.Bool(t, "tls_verify", where.c_str(), &l.verifyCertificate) ||
+        !r.Int(t, "timeout_ms", where.c_str(), 100, 600000, &l.timeoutMs) ||
+        !r.String(t, "audit", where.c_str(), true, &l.audit) ||
+        !r.String(t, "auxiliary_class", where.c_str(), false, &l.auxiliaryClass))
+        return false;
+    if (!l.bindDn.empty() && l.bindDn.find('=') == std::string::npos)
+        return r.Fail(l.line, where + ": 'bind_dn' is not a distinguished name");
+    if (!l.passwordFile.empty() && !l.passwordEnv.empty())
+        return r.Fail(l.line, where + ": give 'password_file' or 'password_env', not both");
+    bool password = !l.passwordFile.empty() || !l.passwordEnv.empty();
+    if (l.bindDn.empty() == password)
+        return r.Fail(l.line, l.bindDn.empty()
+                                  ? where + ": a password needs a 'bind_dn'"
+                                  : where + ": 'bind_dn' needs 'password_file' or 'password_env'");
+    if (tls != "none" && tls != "starttls")
+        return r.Fail(l.line, where + ": 'tls' must be 'none' or 'starttls'");
+    l.startTls = tls == "starttls";
+    if (l.startTls && Lower(l.url).rfind("ldaps://", 0) == 0)
+        return r.Fail(l.line, where + ": an ldaps:// url is TLS already; leave out 'tls'");
+    if (l.audit.empty()) return r.Fail(l.line, where + ": 'audit' is empty");
+    if (IsLdapUrl(l.audit))
+        return r.Fail(l.line, where + ": 'audit' must name a file made with lxrdir create");
+    l.audit = r.Resolve(l.audit);
+    if (!l.passwordFile.empty()) l.passwordFile = r.Resolve(l.passwordFile);
+    if (!l.caFile.empty()) l.caFile = r.Resolve(l.caFile);
+    config->ldap.push_back(l);
+    return true;
+}
+
 template <typename Fn>
 bool EachTable(Reader& r, const toml::table& root, const char* key, Fn fn) {
     const toml::node* node = root.get(key);
@@ -317,7 +395,8 @@ bool EachTable(Reader& r, const toml::table& root, const char* key, Fn fn) {
 }
 
 bool ReadRoot(Reader& r, const toml::table& root, Config* config) {
-    if (!r.OnlyKeys(root, "the file", {"administrators", "store", "policy", "directory", "role"}))
+    if (!r.OnlyKeys(root, "the file",
+                    {"administrators", "store", "policy", "directory", "role", "ldap"}))
         return false;
     if (const toml::node* node = root.get("store")) {
         const toml::table* t = node->as_table();
@@ -330,6 +409,9 @@ bool ReadRoot(Reader& r, const toml::table& root, Config* config) {
         if (!node->as_table()) return r.Fail(Reader::Line(*node), "'policy' must be a table");
         if (!ReadPolicy(r, *node->as_table(), &config->policy)) return false;
     }
+    if (!EachTable(r, root, "ldap",
+                   [&](const toml::table& t, int i) { return ReadLdap(r, t, i, config); }))
+        return false;
     if (!EachTable(r, root, "directory",
                    [&](const toml::table& t, int i) { return ReadDirectory(r, t, i, config); }))
         return false;
@@ -341,6 +423,9 @@ bool ReadRoot(Reader& r, const toml::table& root, Config* config) {
             !r.String(*t, "store", "[administrators]", true, &config->adminStore))
             return false;
         config->adminStore = r.Resolve(config->adminStore);
+        if (IsLdapUrl(config->adminStore) && !config->FindLdap(config->adminStore))
+            return r.Fail(Reader::Line(*t), "[administrators]: no [[ldap]] has the url " +
+                                                Quoted(config->adminStore));
     } else {
         config->adminStore = config->directories.front().store;
     }

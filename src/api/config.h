@@ -38,7 +38,7 @@ bool IsGroupId(std::string_view id);
 struct DirectoryConfig {
     std::string id;                   // what the selection page posts back as USERDIR
     std::string name;                 // display name
-    std::string store;                // absolute path of the store
+    std::string store;                // absolute path of the store, or an LDAP URL (IsLdapUrl)
     std::string base;                 // DN under which the directory's users live
     std::vector<std::string> naming;  // attributes a typed user name is matched against
     std::vector<GroupConfig> groups;  // in the order shown
@@ -47,6 +47,28 @@ struct DirectoryConfig {
     // The group whose identifier (without regard to case) or DN (by DnKey)
     // is `name`; null when none is.
     const GroupConfig* FindGroup(std::string_view name) const;
+};
+
+// True when a store location is an LDAP URL (ldap://, ldaps:// or ldapi://,
+// without regard to case) rather than the path of an embedded store.
+bool IsLdapUrl(std::string_view store);
+
+// An LDAP server that directory stores name by its URL (docs/ldap.md). The
+// bind password is never written in the configuration: it comes from a file
+// or an environment variable, read when the store is opened, so that it can
+// be changed without touching this file.
+struct LdapConfig {
+    std::string url;                // as `store` names it, without a trailing "/"
+    std::string bindDn;             // empty: anonymous
+    std::string passwordFile;       // absolute path of a file holding the password, or ""
+    std::string passwordEnv;        // name of the environment variable holding it, or ""
+    bool startTls = false;          // StartTLS before the bind (ldaps:// is TLS from the start)
+    std::string caFile;             // absolute path of the CA certificates; "": the system's
+    bool verifyCertificate = true;  // false accepts any server certificate (tests only)
+    int timeoutMs = 5000;           // connect and per-operation limit
+    std::string audit;              // absolute path of the audit store (an lxrdir file)
+    std::string auxiliaryClass = "kvlxrAccount";  // added to entries that gain our attributes
+    int line = 0;
 };
 
 struct PasswordRules {
@@ -83,14 +105,17 @@ struct Config {
     Policy policy;
     std::vector<DirectoryConfig> directories;
     std::vector<Role> roles;
+    std::vector<LdapConfig> ldap;  // [[ldap]]: the LDAP servers stores name
 
     const DirectoryConfig* FindDirectory(std::string_view id) const;
+    // The [[ldap]] whose url is `url` (without regard to case or a trailing "/").
+    const LdapConfig* FindLdap(std::string_view url) const;
     const Role* FindRole(std::string_view name) const;
 };
 
 // Parses the configuration text; `path` names it in messages and anchors the
-// relative store paths. Fails with kUnreachable and "Configuration file PATH
-// line N: PROBLEM".
+// relative store paths (LDAP URLs are kept as written). Fails with kUnreachable and "Configuration
+// file PATH line N: PROBLEM".
 Status ParseConfig(std::string_view text, const std::string& path, Config* config);
 
 // Reads and parses the file at `path`; an unreadable file fails with

@@ -338,6 +338,7 @@ Entry ApplyAttributes(const Entry& before, const Plan& plan) {
 }
 
 Status ApplyPlan(StoreWriter& w, const Plan& plan, AuditRecord* audit) {
+    audit->changes.clear();  // a store may run the write again (Store::Write)
     Entry before;
     bool found = false;
     Status s = w.Get(plan.document->userDn, &before, &found);

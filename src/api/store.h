@@ -1,8 +1,8 @@
 // The directory behind the API. A Store holds entries (a DN and named,
 // multi-valued attributes) and the audit trail of applied writes. Every access
 // runs inside a transaction: Read for consistent views, Write for changes that
-// apply all or nothing. Implementations: SqliteStore (embedded directory) and
-// MemoryStore (tests); an LDAP store can take the same place.
+// apply all or nothing. Implementations: SqliteStore (embedded directory),
+// LdapStore (an LDAP server) and MemoryStore (tests).
 #pragma once
 
 #include <ctime>
@@ -85,6 +85,9 @@ class Store {
     virtual Status Read(const std::function<Status(StoreReader&)>& body) = 0;
     // Runs `body` in a write transaction, committed only when it returns OK.
     // Writers are serialised; a writer sees every write committed before it.
+    // A store whose server has no transactions (LdapStore) may, after a
+    // concurrent change, undo the attempt and run `body` again on fresh
+    // entries, so `body` must start from what it reads each time.
     virtual Status Write(const std::function<Status(StoreWriter&)>& body) = 0;
     // The name used in messages (the file path).
     virtual const std::string& name() const = 0;

@@ -1,0 +1,92 @@
+// One bound libldap connection and the few operations the LDAP store needs,
+// with libldap's results turned into the library's Status: a server that
+// cannot be reached, refuses the bind or does not answer in time gives
+// kUnreachable with a message naming the server.
+#pragma once
+
+#include <signal.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "config.h"
+#include "status.h"
+#include "store.h"
+
+typedef struct ldap LDAP;
+
+namespace lxrapi {
+
+struct LdapLibrary;
+
+// Blocks SIGPIPE in this thread while it lives, and swallows one that was
+// raised meanwhile: libldap writes to sockets the server may have closed, and
+// a CGI process killed by the signal would leave no page at all. The
+// process's own handling of the signal is not touched.
+class NoSigpipe {
+  public:
+    NoSigpipe();
+    ~NoSigpipe();
+    NoSigpipe(const NoSigpipe&) = delete;
+    NoSigpipe& operator=(const NoSigpipe&) = delete;
+
+  private:
+    sigset_t old_;
+    bool blocked_ = false;
+    bool wasPending_ = false;
+};
+
+// One modification of one attribute: LDAP_MOD_ADD, LDAP_MOD_DELETE or
+// LDAP_MOD_REPLACE with its values (none: delete or replace them all).
+struct Modification {
+    int op;
+    std::string attribute;
+    std::vector<std::string> values;
+};
+
+class LdapConnection {
+  public:
+    explicit LdapConnection(const LdapConfig& config) : config_(config) {}
+    ~LdapConnection();  // unbinds
+    LdapConnection(const LdapConnection&) = delete;
+    LdapConnection& operator=(const LdapConnection&) = delete;
+
+    // Connects, starts TLS when asked, and binds (anonymously without a
+    // bind DN). The password is read from its file or variable here, so a
+    // changed password takes effect at the next call, and is wiped after use.
+    Status Open();
+
+    // Base search for one entry with all its user attributes; an entry that
+    // does not exist (or a DN the server cannot parse) is not an error.
+    Status Get(std::string_view dn, Entry* entry, bool* found);
+
+    // Subtree search below `base` with `filter`. `attributes` empty: no
+    // attributes ("1.1"), only DNs. A base that does not exist gives no
+    // entries; a result cut by the server's size limit gives those it sent.
+    Status Search(std::string_view base, const std::string& filter,
+                  const std::vector<std::string>& attributes, std::vector<Entry>* entries);
+
+    // The naming contexts the server holds (from its root DSE).
+    Status NamingContexts(std::vector<std::string>* contexts);
+
+    // Applies the modifications to one entry in one operation; returns the
+    // LDAP result code (LDAP_SUCCESS, LDAP_NO_SUCH_ATTRIBUTE, ...).
+    int Modify(std::string_view dn, const std::vector<Modification>& modifications);
+
+    // A Status for a failed operation: "LDAP directory URL WHAT: REASON"
+    // with the server's diagnostic, kUnreachable when the server is gone or
+    // silent, else `code`.
+    Status Failure(int rc, const std::string& what, int code) const;
+
+  private:
+    Status Bind();
+    Status ReadPassword(std::string* password) const;
+    Status OpenFailure(const std::string& what, const std::string& why) const;
+
+    const LdapConfig& config_;
+    const LdapLibrary* l_ = nullptr;  // set by Open
+    LDAP* ld_ = nullptr;
+};
+
+}  // namespace lxrapi

@@ -1,0 +1,75 @@
+#include "ldap/ldap_library.h"
+
+#include <dlfcn.h>
+
+#include <mutex>
+
+namespace lxrapi {
+
+namespace {
+
+// The names libldap has had: 2.5, then 2.6 and later, then 2.4, then the
+// development link.
+constexpr const char* kNames[] = {"libldap-2.5.so.0", "libldap.so.2", "libldap-2.4.so.2",
+                                  "libldap.so"};
+
+template <typename T>
+bool Find(void* handle, const char* name, T* function, std::string* missing) {
+    *function = reinterpret_cast<T>(dlsym(handle, name));
+    if (!*function && missing->empty()) *missing = name;
+    return *function != nullptr;
+}
+
+bool Load(LdapLibrary* l, std::string* error) {
+    void* handle = nullptr;
+    for (const char* name : kNames)
+        if (!handle) handle = dlopen(name, RTLD_NOW | RTLD_LOCAL);
+    if (!handle) {
+        *error = "libldap cannot be loaded";
+        return false;
+    }
+    std::string missing;
+    bool ok = true;
+#define LXR_FIND(field, symbol) ok = Find(handle, #symbol, &l->field, &missing) && ok
+    LXR_FIND(initialize, ldap_initialize);
+    LXR_FIND(set_option, ldap_set_option);
+    LXR_FIND(get_option, ldap_get_option);
+    LXR_FIND(start_tls_s, ldap_start_tls_s);
+    LXR_FIND(sasl_bind_s, ldap_sasl_bind_s);
+    LXR_FIND(unbind_ext_s, ldap_unbind_ext_s);
+    LXR_FIND(search_ext_s, ldap_search_ext_s);
+    LXR_FIND(modify_ext_s, ldap_modify_ext_s);
+    LXR_FIND(first_entry, ldap_first_entry);
+    LXR_FIND(next_entry, ldap_next_entry);
+    LXR_FIND(get_dn, ldap_get_dn);
+    LXR_FIND(first_attribute, ldap_first_attribute);
+    LXR_FIND(next_attribute, ldap_next_attribute);
+    LXR_FIND(get_values_len, ldap_get_values_len);
+    LXR_FIND(value_free_len, ldap_value_free_len);
+    LXR_FIND(msgfree, ldap_msgfree);
+    LXR_FIND(memfree, ldap_memfree);
+    LXR_FIND(err2string, ldap_err2string);
+    LXR_FIND(str2dn, ldap_str2dn);
+    LXR_FIND(rdn2str, ldap_rdn2str);
+    LXR_FIND(dnfree, ldap_dnfree);
+    LXR_FIND(bv2escaped_filter_value, ldap_bv2escaped_filter_value);
+    LXR_FIND(ber_free, ber_free);
+    LXR_FIND(ber_memfree, ber_memfree);
+#undef LXR_FIND
+    if (!ok) *error = "libldap lacks " + missing;
+    return ok;  // the handle stays open for the life of the process
+}
+
+}  // namespace
+
+const LdapLibrary* Ldap(std::string* error) {
+    static std::once_flag once;
+    static LdapLibrary library;
+    static bool loaded = false;
+    static std::string failure;
+    std::call_once(once, [] { loaded = Load(&library, &failure); });
+    if (!loaded) *error = failure;
+    return loaded ? &library : nullptr;
+}
+
+}  // namespace lxrapi

@@ -1,0 +1,354 @@
+#include "ldap/ldap_store.h"
+
+#include <ldap.h>
+#include <unistd.h>
+
+#include <random>
+
+#include "ldap/ldap_connection.h"
+#include "ldap/ldap_text.h"
+#include "message.h"
+#include "text.h"
+
+namespace lxrapi {
+
+namespace {
+
+// An entry as the transaction read it and as the body has changed it.
+struct Cached {
+    bool exists = false;
+    Entry original;
+    Entry current;
+    std::vector<std::string> touched;  // attributes the body replaced, in order
+};
+
+// A modification made on the server and how to take it back.
+struct Applied {
+    std::string dn;
+    std::vector<Modification> undo;
+};
+
+bool IsConflict(int rc) {
+    return rc == LDAP_NO_SUCH_ATTRIBUTE || rc == LDAP_TYPE_OR_VALUE_EXISTS;
+}
+
+// The reads of one call and, for a write, the changes it collects. Reads are
+// cached by DN key, so that a body sees its own changes and an entry found by
+// a name is not fetched twice.
+class LdapTransaction : public StoreWriter {
+  public:
+    explicit LdapTransaction(LdapStore& store) : store_(store), ldap_(store.connection()) {}
+
+    Status Get(std::string_view dn, Entry* entry, bool* found) override {
+        Cached* c = nullptr;
+        Status s = Fetch(dn, &c);
+        if (!s.ok()) return s;
+        *found = c->exists;
+        if (c->exists) *entry = c->current;
+        return Status::OK();
+    }
+
+    Status FindByValue(std::string_view base, const std::vector<std::string>& attributes,
+                       std::string_view value, std::vector<std::string>* dns) override {
+        dns->clear();
+        std::string filter;
+        Status s = ValueFilter(attributes, value, &filter);
+        if (!s.ok())
+            return Status::Unreachable("LDAP directory " + Shown(store_.name()) + ": " +
+                                       s.message());
+        std::vector<Entry> entries;
+        if (!(s = ldap_.Search(base, filter, {"*"}, &entries)).ok()) return s;
+        for (Entry& e : entries) {
+            if (!IsBelow(e.dn, base)) continue;
+            std::string key = DnKey(e.dn);
+            bool seen = false;
+            for (const std::string& d : *dns) seen = seen || DnKey(d) == key;
+            if (seen) continue;
+            dns->push_back(e.dn);
+            if (cache_.count(key) == 0) Remember(std::move(e));
+        }
+        return Status::OK();
+    }
+
+    Status IsMember(std::string_view group, std::string_view member, bool* result) override {
+        *result = false;
+        std::string filter;
+        Status s = ValueFilter({"member"}, member, &filter);
+        if (!s.ok()) return Status::OK();  // not a DN a member value could hold
+        std::string key = DnKey(member);
+        bool known = false;
+        for (const std::string& g : store_.groupDns()) known = known || DnKey(g) == DnKey(group);
+        if (known && !store_.groupBase().empty()) {
+            auto it = memberships_.find(key);
+            if (it == memberships_.end()) {
+                // Every configured group of this member at once.
+                std::vector<Entry> groups;
+                if (!(s = ldap_.Search(store_.groupBase(), filter, {}, &groups)).ok()) return s;
+                std::vector<std::string> keys;
+                for (const Entry& g : groups) keys.push_back(DnKey(g.dn));
+                it = memberships_.emplace(key, keys).first;
+            }
+            for (const std::string& g : it->second) *result = *result || g == DnKey(group);
+            return Status::OK();
+        }
+        std::vector<Entry> found;
+        if (!(s = ldap_.Search(group, "(&(objectClass=*)" + filter + ")", {}, &found)).ok())
+            return s;
+        for (const Entry& e : found) *result = *result || DnKey(e.dn) == DnKey(group);
+        return Status::OK();
+    }
+
+    Status ListDns(std::vector<std::string>* dns) override {
+        dns->clear();
+        std::vector<std::string> contexts;
+        Status s = ldap_.NamingContexts(&contexts);
+        for (const std::string& context : contexts) {
+            std::vector<Entry> entries;
+            if (!s.ok() || !(s = ldap_.Search(context, "(objectClass=*)", {}, &entries)).ok())
+                return s;
+            for (const Entry& e : entries) dns->push_back(e.dn);
+        }
+        return s;
+    }
+
+    Status ListAudit(std::string_view user, std::vector<AuditRecord>* records) override {
+        Store* audit = nullptr;
+        Status s = store_.OpenAudit(&audit);
+        if (!s.ok()) return s;
+        return audit->Read([&](StoreReader& r) { return r.ListAudit(user, records); });
+    }
+
+    Status Put(const Entry& entry) override {
+        return Status::UpdateFailed("LDAP directory " + Shown(store_.name()) + " takes no entry " +
+                                    Quoted(entry.dn, 200) + " from the API; load it with ldapadd");
+    }
+
+    Status Replace(std::string_view dn, std::string_view attribute,
+                   const std::vector<std::string>& values) override {
+        Cached* c = nullptr;
+        Status s = Fetch(dn, &c);
+        if (!s.ok()) return s;
+        if (!c->exists) return Status::UpdateFailed("No entry " + Quoted(dn, 200));
+        c->current.Set(attribute, Distinct(values));
+        bool seen = false;
+        for (const std::string& t : c->touched) seen = seen || EqualsNoCase(t, attribute);
+        if (!seen) c->touched.emplace_back(attribute);
+        if (!seen && c->touched.size() == 1) order_.push_back(DnKey(dn));
+        return Status::OK();
+    }
+
+    Status AppendAudit(const AuditRecord& record) override {
+        audit_ = record;
+        hasAudit_ = true;
+        return Status::OK();
+    }
+
+    // Makes the collected changes on the server, one modification per entry
+    // in the order the body first changed them. When one is refused, those
+    // already made are taken back; `conflict` tells that a concurrent change
+    // was the cause, so the body may run again.
+    Status Apply(bool* conflict) {
+        *conflict = false;
+        for (const std::string& key : order_) {
+            Cached& c = cache_[key];
+            std::vector<Modification> change, undo;
+            Plan(c, &change, &undo);
+            if (change.empty()) continue;
+            int rc = ldap_.Modify(c.original.dn, change);
+            if (rc == LDAP_SUCCESS) {
+                applied_.push_back({c.original.dn, std::move(undo)});
+                continue;
+            }
+            *conflict = IsConflict(rc);
+            Status failed = ldap_.Failure(rc, "refused the change of " + Quoted(c.original.dn, 200),
+                                          kUpdateFailed);
+            Status undone = Undo();
+            return undone.ok() ? failed
+                               : Status(failed.code(), failed.message() + "; " + undone.message());
+        }
+        return Status::OK();
+    }
+
+    // Takes back every modification Apply made, the last first.
+    Status Undo() {
+        Status result;
+        for (auto it = applied_.rbegin(); it != applied_.rend(); ++it) {
+            int rc = ldap_.Modify(it->dn, it->undo);
+            if (rc != LDAP_SUCCESS && result.ok())
+                result = ldap_.Failure(
+                    rc, "could not take back the change of " + Quoted(it->dn, 200), kUpdateFailed);
+        }
+        applied_.clear();
+        return result;
+    }
+
+    const AuditRecord* audit() const { return hasAudit_ ? &audit_ : nullptr; }
+
+  private:
+    void Remember(Entry e) {
+        Cached c;
+        c.exists = true;
+        c.original = e;
+        c.current = std::move(e);
+        cache_[DnKey(c.original.dn)] = std::move(c);
+    }
+
+    // The entry of `dn`, read once per transaction and cached under the key
+    // of the DN as asked for.
+    Status Fetch(std::string_view dn, Cached** cached) {
+        std::string key = DnKey(dn);
+        auto it = cache_.find(key);
+        if (it == cache_.end()) {
+            Cached c;
+            Status s = ldap_.Get(dn, &c.original, &c.exists);
+            if (!s.ok()) return s;
+            c.current = c.original;
+            it = cache_.emplace(key, std::move(c)).first;
+        }
+        *cached = &it->second;
+        return Status::OK();
+    }
+
+    // The modification that turns the entry as read into the entry as the
+    // body left it, and the one that turns it back (see ChangedByValue).
+    void Plan(const Cached& c, std::vector<Modification>* change, std::vector<Modification>* undo) {
+        bool needsClass = false;
+        for (const std::string& name : c.touched) {
+            std::vector<std::string> before = c.original.Values(name),
+                                     after = c.current.Values(name);
+            if (before == after) continue;
+            if (ChangedByValue(name)) {
+                ValueDelta d = Delta(before, after);
+                if (d.empty()) continue;
+                if (!d.removed.empty()) change->push_back({LDAP_MOD_DELETE, name, d.removed});
+                if (!d.added.empty()) change->push_back({LDAP_MOD_ADD, name, d.added});
+                if (!d.added.empty()) undo->push_back({LDAP_MOD_DELETE, name, d.added});
+                if (!d.removed.empty()) undo->push_back({LDAP_MOD_ADD, name, d.removed});
+            } else {
+                change->push_back({LDAP_MOD_REPLACE, name, after});
+                undo->push_back({LDAP_MOD_REPLACE, name, Distinct(before)});
+            }
+            needsClass = needsClass || (NeedsAuxiliaryClass(name) && !after.empty());
+        }
+        const std::string& auxiliary = store_.config().auxiliaryClass;
+        if (!needsClass || auxiliary.empty()) return;
+        for (const std::string& oc : c.original.Values("objectClass"))
+            if (EqualsNoCase(oc, auxiliary)) return;
+        // Kept when the change is taken back: the class allows, not requires.
+        change->push_back({LDAP_MOD_ADD, "objectClass", {auxiliary}});
+    }
+
+    LdapStore& store_;
+    LdapConnection& ldap_;
+    std::map<std::string, Cached> cache_;
+    std::map<std::string, std::vector<std::string>> memberships_;  // member key -> group keys
+    std::vector<std::string> order_;                               // DN keys, first change first
+    std::vector<Applied> applied_;
+    AuditRecord audit_;
+    bool hasAudit_ = false;
+};
+
+// A short, growing, random pause before a write runs again, so that writers
+// that collided do not collide again in step.
+void Pause(int attempt) {
+    static thread_local std::minstd_rand random(static_cast<unsigned>(getpid()));
+    int ms = 5 * attempt + static_cast<int>(random() % 20);
+    usleep(static_cast<useconds_t>(ms) * 1000);
+}
+
+}  // namespace
+
+LdapStore::LdapStore(const LdapConfig& config, StoreProvider& audit,
+                     std::vector<std::string> groupDns)
+    : config_(config), auditStores_(audit), groupDns_(std::move(groupDns)) {
+    groupBase_ = CommonSuffix(groupDns_);
+    connection_ = std::make_unique<LdapConnection>(config_);
+}
+
+LdapStore::~LdapStore() = default;
+
+Status LdapStore::Connect(const LdapConfig& config, StoreProvider& audit,
+                          std::vector<std::string> groupDns, std::unique_ptr<LdapStore>* store) {
+    NoSigpipe guard;
+    std::unique_ptr<LdapStore> s(new LdapStore(config, audit, std::move(groupDns)));
+    Status status = s->connection_->Open();
+    if (!status.ok()) return status;
+    *store = std::move(s);
+    return Status::OK();
+}
+
+Status LdapStore::OpenAudit(Store** audit) {
+    return auditStores_.Open(config_.audit, audit);
+}
+
+Status LdapStore::Read(const std::function<Status(StoreReader&)>& body) {
+    NoSigpipe guard;
+    LdapTransaction tx(*this);
+    return body(tx);
+}
+
+Status LdapStore::Write(const std::function<Status(StoreWriter&)>& body) {
+    NoSigpipe guard;
+    Store* audit = nullptr;
+    Status s = OpenAudit(&audit);
+    if (!s.ok()) return s;
+    // The audit store's write lock is taken first, so that a locked audit
+    // fails before anything is changed, and writers of one host go one at a
+    // time. The audit record is added only once the LDAP changes are made.
+    std::unique_ptr<LdapTransaction> made;
+    s = audit->Write([&](StoreWriter& auditWriter) {
+        for (int attempt = 1;; ++attempt) {
+            auto tx = std::make_unique<LdapTransaction>(*this);
+            Status st = body(*tx);
+            if (!st.ok()) return st;
+            bool conflict = false;
+            st = tx->Apply(&conflict);
+            if (conflict && attempt < kAttempts) {
+                Pause(attempt);
+                continue;
+            }
+            if (!st.ok()) {
+                if (!conflict) return st;
+                return Status::UpdateFailed(st.message() + "; the entry kept changing under " +
+                                            std::to_string(kAttempts) + " attempts, try again");
+            }
+            if (tx->audit() && !(st = auditWriter.AppendAudit(*tx->audit())).ok()) {
+                tx->Undo();
+                return st;
+            }
+            made = std::move(tx);
+            return Status::OK();
+        }
+    });
+    if (!s.ok() && made) {
+        // The audit could not be committed: the change is taken back too.
+        Status undone = made->Undo();
+        if (!undone.ok()) return Status(s.code(), s.message() + "; " + undone.message());
+    }
+    return s;
+}
+
+Status LdapStoreProvider::Open(const std::string& url, Store** store) {
+    const LdapConfig* ldap = config_.FindLdap(url);
+    if (!ldap)
+        return Status::Unreachable("LDAP directory " + Shown(url) +
+                                   " is not declared with [[ldap]] in the configuration");
+    auto it = stores_.find(ldap->url);
+    if (it == stores_.end()) {
+        std::vector<std::string> groups;
+        for (const DirectoryConfig& d : config_.directories)
+            if (config_.FindLdap(d.store) == ldap)
+                for (const GroupConfig& g : d.groups) groups.push_back(g.dn);
+        if (config_.FindLdap(config_.adminStore) == ldap)
+            for (const Role& r : config_.roles)
+                for (const std::string& a : r.administrators.names) groups.push_back(a);
+        std::unique_ptr<LdapStore> opened;
+        Status s = LdapStore::Connect(*ldap, audit_, std::move(groups), &opened);
+        if (!s.ok()) return s;
+        it = stores_.emplace(ldap->url, std::move(opened)).first;
+    }
+    *store = it->second.get();
+    return Status::OK();
+}
+
+}  // namespace lxrapi

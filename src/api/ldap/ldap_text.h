@@ -1,0 +1,58 @@
+// The parts of the LDAP store that need no server: search filters built from
+// outside text, the suffix that a set of group entries share, and how a
+// change of one attribute becomes an LDAP modification.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "status.h"
+
+namespace lxrapi {
+
+// True for an attribute description a filter may name: a letter followed by
+// letters, digits and "-" (options after ";" allowed), or a numeric OID.
+bool IsAttributeDescription(std::string_view name);
+
+// A filter matching entries that hold `value` in any of `attributes`:
+// "(uid=v)" for one, "(|(uid=v)(cn=v))" for several. The value is escaped by
+// libldap (ldap_bv2escaped_filter_value), so "*", "(", ")", "\" and NUL in a
+// typed user name match themselves. Fails with kBadRequest when an attribute
+// cannot be named in a filter or there is none.
+Status ValueFilter(const std::vector<std::string>& attributes, std::string_view value,
+                   std::string* filter);
+
+// The DN that every one of `dns` is or lies below, compared RDN by RDN
+// without regard to ASCII case or blanks around "," and "=" (multi-valued
+// and escaped RDNs parsed by libldap); "" when they share nothing or one of
+// them is not a DN. Written as the first DN spells it.
+std::string CommonSuffix(const std::vector<std::string>& dns);
+
+// How a write replaces one attribute's values. Most attributes hold one
+// value that the administrator sets: the whole attribute is replaced, so two
+// administrators changing different attributes of one user both keep their
+// change. Group members, redirects and histories hold many values that
+// others change at the same time: only the values this write removes are
+// deleted (by exact value) and only the new ones added, so that a concurrent
+// change to another value is kept, and a value that someone else changed
+// first makes the server refuse the modification instead of overwriting it.
+bool ChangedByValue(std::string_view attribute);
+
+// The exact values to delete and to add to turn `before` into `after`; a
+// value given twice counts once (a directory keeps no duplicates).
+struct ValueDelta {
+    std::vector<std::string> removed;
+    std::vector<std::string> added;
+    bool empty() const { return removed.empty() && added.empty(); }
+};
+ValueDelta Delta(const std::vector<std::string>& before, const std::vector<std::string>& after);
+
+// `values` without exact repeats, in their order.
+std::vector<std::string> Distinct(const std::vector<std::string>& values);
+
+// True for the attributes whose values need the auxiliary object class
+// (the password-services attributes, but not userPassword).
+bool NeedsAuxiliaryClass(std::string_view attribute);
+
+}  // namespace lxrapi
