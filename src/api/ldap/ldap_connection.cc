@@ -247,7 +247,8 @@ Status LdapConnection::NamingContexts(std::vector<std::string>* contexts) {
     return Status::OK();
 }
 
-int LdapConnection::Modify(std::string_view dn, const std::vector<Modification>& modifications) {
+int LdapConnection::Modify(std::string_view dn, const std::vector<Modification>& modifications,
+                           const std::string& assertion) {
     // libldap wants arrays of pointers; these vectors own them for the call.
     std::vector<std::vector<berval>> values(modifications.size());
     std::vector<std::vector<berval*>> pointers(modifications.size());
@@ -264,7 +265,17 @@ int LdapConnection::Modify(std::string_view dn, const std::vector<Modification>&
         list.push_back(&mods[i]);
     }
     list.push_back(nullptr);
-    return l_->modify_ext_s(ld_, std::string(dn).c_str(), list.data(), nullptr, nullptr);
+    LDAPControl* control = nullptr;
+    if (!assertion.empty()) {
+        int rc =
+            l_->create_assertion_control(ld_, const_cast<char*>(assertion.c_str()), 0, &control);
+        if (rc != LDAP_SUCCESS) return rc;
+    }
+    LDAPControl* controls[] = {control, nullptr};
+    int rc = l_->modify_ext_s(ld_, std::string(dn).c_str(), list.data(),
+                              control ? controls : nullptr, nullptr);
+    if (control) l_->control_free(control);
+    return rc;
 }
 
 }  // namespace lxrapi

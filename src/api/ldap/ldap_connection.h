@@ -70,9 +70,12 @@ class LdapConnection {
     // The naming contexts the server holds (from its root DSE).
     Status NamingContexts(std::vector<std::string>* contexts);
 
-    // Applies the modifications to one entry in one operation; returns the
-    // LDAP result code (LDAP_SUCCESS, LDAP_NO_SUCH_ATTRIBUTE, ...).
-    int Modify(std::string_view dn, const std::vector<Modification>& modifications);
+    // Applies the modifications to one entry in one operation, on the
+    // condition that the entry matches `assertion` when that is not empty
+    // (RFC 4528; a server without the control ignores it); returns the LDAP
+    // result code (LDAP_SUCCESS, LDAP_NO_SUCH_ATTRIBUTE, ...).
+    int Modify(std::string_view dn, const std::vector<Modification>& modifications,
+               const std::string& assertion = std::string());
 
     // A Status for a failed operation: "LDAP directory URL WHAT: REASON"
     // with the server's diagnostic, kUnreachable when the server is gone or

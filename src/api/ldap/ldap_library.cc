@@ -53,6 +53,8 @@ bool Load(LdapLibrary* l, std::string* error) {
     LXR_FIND(rdn2str, ldap_rdn2str);
     LXR_FIND(dnfree, ldap_dnfree);
     LXR_FIND(bv2escaped_filter_value, ldap_bv2escaped_filter_value);
+    LXR_FIND(create_assertion_control, ldap_create_assertion_control);
+    LXR_FIND(control_free, ldap_control_free);
     LXR_FIND(ber_free, ber_free);
     LXR_FIND(ber_memfree, ber_memfree);
 #undef LXR_FIND

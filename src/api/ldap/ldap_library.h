@@ -34,6 +34,8 @@ struct LdapLibrary {
     decltype(&::ldap_rdn2str) rdn2str;
     decltype(&::ldap_dnfree) dnfree;
     decltype(&::ldap_bv2escaped_filter_value) bv2escaped_filter_value;
+    decltype(&::ldap_create_assertion_control) create_assertion_control;
+    decltype(&::ldap_control_free) control_free;
     decltype(&::ber_free) ber_free;
     decltype(&::ber_memfree) ber_memfree;
 };

@@ -28,8 +28,10 @@ struct Applied {
     std::vector<Modification> undo;
 };
 
+// The server's answers when a value the write relied on changed meanwhile.
 bool IsConflict(int rc) {
-    return rc == LDAP_NO_SUCH_ATTRIBUTE || rc == LDAP_TYPE_OR_VALUE_EXISTS;
+    return rc == LDAP_NO_SUCH_ATTRIBUTE || rc == LDAP_TYPE_OR_VALUE_EXISTS ||
+           rc == LDAP_ASSERTION_FAILED;
 }
 
 // The reads of one call and, for a write, the changes it collects. Reads are
@@ -152,9 +154,10 @@ class LdapTransaction : public StoreWriter {
         for (const std::string& key : order_) {
             Cached& c = cache_[key];
             std::vector<Modification> change, undo;
-            Plan(c, &change, &undo);
+            std::string assertion;
+            Plan(c, &change, &undo, &assertion);
             if (change.empty()) continue;
-            int rc = ldap_.Modify(c.original.dn, change);
+            int rc = ldap_.Modify(c.original.dn, change, assertion);
             if (rc == LDAP_SUCCESS) {
                 applied_.push_back({c.original.dn, std::move(undo)});
                 continue;
@@ -210,26 +213,34 @@ class LdapTransaction : public StoreWriter {
     }
 
     // The modification that turns the entry as read into the entry as the
-    // body left it, and the one that turns it back (see ChangedByValue).
-    void Plan(const Cached& c, std::vector<Modification>* change, std::vector<Modification>* undo) {
+    // body left it, the one that turns it back (see ChangedByValue), and the
+    // condition the entry must meet (NewKeysAbsent).
+    void Plan(const Cached& c, std::vector<Modification>* change, std::vector<Modification>* undo,
+              std::string* assertion) {
         bool needsClass = false;
+        std::string conditions;
+        int count = 0;
         for (const std::string& name : c.touched) {
             std::vector<std::string> before = c.original.Values(name),
                                      after = c.current.Values(name);
             if (before == after) continue;
             if (ChangedByValue(name)) {
-                ValueDelta d = Delta(before, after);
+                ValueDelta d = Delta(before, after, KeepsOrder(name));
                 if (d.empty()) continue;
                 if (!d.removed.empty()) change->push_back({LDAP_MOD_DELETE, name, d.removed});
                 if (!d.added.empty()) change->push_back({LDAP_MOD_ADD, name, d.added});
                 if (!d.added.empty()) undo->push_back({LDAP_MOD_DELETE, name, d.added});
                 if (!d.removed.empty()) undo->push_back({LDAP_MOD_ADD, name, d.removed});
+                std::string absent = NewKeysAbsent(name, before, d.added);
+                conditions += absent;
+                count += absent.empty() ? 0 : 1;
             } else {
                 change->push_back({LDAP_MOD_REPLACE, name, after});
                 undo->push_back({LDAP_MOD_REPLACE, name, Distinct(before)});
             }
             needsClass = needsClass || (NeedsAuxiliaryClass(name) && !after.empty());
         }
+        *assertion = count > 1 ? "(&" + conditions + ")" : conditions;
         const std::string& auxiliary = store_.config().auxiliaryClass;
         if (!needsClass || auxiliary.empty()) return;
         for (const std::string& oc : c.original.Values("objectClass"))

@@ -62,20 +62,26 @@ bool IsAttributeDescription(std::string_view name) {
     return !afterSemicolon;
 }
 
-Status ValueFilter(const std::vector<std::string>& attributes, std::string_view value,
-                   std::string* filter) {
-    if (attributes.empty()) return Status::BadRequest("No attribute to search by");
+bool EscapeFilterValue(std::string_view value, std::string* escaped) {
     std::string error;
     const LdapLibrary* l = Ldap(&error);
-    if (!l) return Status::Unreachable(error);
+    if (!l) return false;
     berval in;
     in.bv_val = const_cast<char*>(value.data());
     in.bv_len = value.size();
-    berval escaped{0, nullptr};
-    if (l->bv2escaped_filter_value(&in, &escaped) != 0)
+    berval out{0, nullptr};
+    if (l->bv2escaped_filter_value(&in, &out) != 0) return false;
+    escaped->assign(out.bv_val, out.bv_len);
+    l->ber_memfree(out.bv_val);
+    return true;
+}
+
+Status ValueFilter(const std::vector<std::string>& attributes, std::string_view value,
+                   std::string* filter) {
+    if (attributes.empty()) return Status::BadRequest("No attribute to search by");
+    std::string v;
+    if (!EscapeFilterValue(value, &v))
         return Status::BadRequest("The name " + Quoted(value, 100) + " cannot be searched for");
-    std::string v(escaped.bv_val, escaped.bv_len);
-    l->ber_memfree(escaped.bv_val);
     std::string out;
     for (const std::string& a : attributes) {
         if (!IsAttributeDescription(a))
@@ -126,18 +132,67 @@ std::vector<std::string> Distinct(const std::vector<std::string>& values) {
     return out;
 }
 
-ValueDelta Delta(const std::vector<std::string>& before, const std::vector<std::string>& after) {
-    ValueDelta d;
+ValueDelta Delta(const std::vector<std::string>& before, const std::vector<std::string>& after,
+                 bool keepOrder) {
     auto has = [](const std::vector<std::string>& list, const std::string& v) {
         for (const std::string& x : list)
             if (x == v) return true;
         return false;
     };
-    for (const std::string& v : Distinct(before))
-        if (!has(after, v)) d.removed.push_back(v);
-    for (const std::string& v : Distinct(after))
-        if (!has(before, v)) d.added.push_back(v);
+    std::vector<std::string> from = Distinct(before), to = Distinct(after);
+    ValueDelta d;
+    // With `keepOrder`, the values of `before` that stay stay in place only
+    // up to the first one out of `after`'s order; from there on they move.
+    size_t inPlace = 0;
+    bool moving = false;
+    for (const std::string& v : from) {
+        if (!has(to, v)) {
+            d.removed.push_back(v);
+        } else if (keepOrder && (moving || to[inPlace] != v)) {
+            moving = true;
+            d.removed.push_back(v);
+        } else {
+            ++inPlace;
+        }
+    }
+    for (size_t i = 0; i < to.size(); ++i)
+        if (keepOrder ? i >= inPlace : !has(from, to[i])) d.added.push_back(to[i]);
     return d;
+}
+
+bool KeepsOrder(std::string_view attribute) {
+    const AttributeInfo* info = FindAttribute(attribute);
+    return info && (info->form == ValueForm::kRedirect || info->form == ValueForm::kHistoryEntry);
+}
+
+namespace {
+// The key of a redirect entry: its first word up to "=".
+std::string RedirectKey(std::string_view value) {
+    std::string_view rest = value;
+    std::string_view first = TakeWord(rest);
+    return std::string(first.substr(0, first.find('=')));
+}
+}  // namespace
+
+std::string NewKeysAbsent(std::string_view attribute, const std::vector<std::string>& before,
+                          const std::vector<std::string>& added) {
+    const AttributeInfo* info = FindAttribute(attribute);
+    if (!info || info->form != ValueForm::kRedirect) return std::string();
+    std::vector<std::string> keys;
+    for (const std::string& v : added) {
+        std::string key = RedirectKey(v);
+        bool known = key.empty();
+        for (const std::string& b : before) known = known || EqualsNoCase(RedirectKey(b), key);
+        for (const std::string& k : keys) known = known || k == key;
+        if (!known) keys.push_back(key);
+    }
+    std::string filter;
+    for (const std::string& key : keys) {
+        std::string escaped;
+        if (!EscapeFilterValue(key, &escaped)) continue;
+        filter += "(!(" + std::string(info->name) + "=" + escaped + "=*))";
+    }
+    return keys.size() > 1 ? "(&" + filter + ")" : filter;
 }
 
 bool NeedsAuxiliaryClass(std::string_view attribute) {

@@ -169,23 +169,45 @@ TEST(LdapChangeTest, ManyValuedAttributesChangeByValue) {
     EXPECT_FALSE(NeedsAuxiliaryClass("userPassword"));
     EXPECT_FALSE(NeedsAuxiliaryClass("member"));
 
+    EXPECT_TRUE(KeepsOrder("kvlxrGenerationalRedirects"));
+    EXPECT_TRUE(KeepsOrder("kvfpsLog"));
+    EXPECT_FALSE(KeepsOrder("member"));
+
     struct Case {
+        bool keepOrder;
         std::vector<std::string> before, after, removed, added;
     } cases[] = {
-        // A redirect replaced: its old value deleted exactly, the new one added.
-        {{"A=1 x", "B=2 y"}, {"A=9 z", "B=2 y"}, {"A=1 x"}, {"A=9 z"}},
-        {{"m1", "m2"}, {"m1", "m2", "m3"}, {}, {"m3"}},
-        {{"m1", "m2"}, {"m2"}, {"m1"}, {}},
-        {{"h1", "h2"}, {}, {"h1", "h2"}, {}},
-        {{"same"}, {"same"}, {}, {}},
-        {{"Case"}, {"case"}, {"Case"}, {"case"}},  // values compare exactly
-        {{}, {"v", "v"}, {}, {"v"}},               // no duplicates reach the server
+        // A redirect replaced: its old value deleted exactly, the new one
+        // added; in order, what stood after it moves behind it again.
+        {false, {"A=1 x", "B=2 y"}, {"A=9 z", "B=2 y"}, {"A=1 x"}, {"A=9 z"}},
+        {true, {"A=1 x", "B=2 y"}, {"A=9 z", "B=2 y"}, {"A=1 x", "B=2 y"}, {"A=9 z", "B=2 y"}},
+        {true, {"A=1", "B=2", "C=3"}, {"A=1", "B=9", "C=3"}, {"B=2", "C=3"}, {"B=9", "C=3"}},
+        {true, {"P=1", "H=2", "L=3"}, {"P=9", "L=3"}, {"P=1", "H=2", "L=3"}, {"P=9", "L=3"}},
+        {true, {"A=1", "B=2", "C=3"}, {"A=1", "C=3"}, {"B=2"}, {}},  // nothing moves
+        {true, {"A=1"}, {"A=1", "N=5"}, {}, {"N=5"}},
+        // Members: only what changes.
+        {false, {"m1", "m2"}, {"m1", "m2", "m3"}, {}, {"m3"}},
+        {false, {"m1", "m2", "m3"}, {"m1", "m3"}, {"m2"}, {}},
+        {true, {"h1", "h2"}, {}, {"h1", "h2"}, {}},
+        {false, {"same"}, {"same"}, {}, {}},
+        {false, {"Case"}, {"case"}, {"Case"}, {"case"}},  // values compare exactly
+        {false, {}, {"v", "v"}, {}, {"v"}},               // no duplicates reach the server
     };
     for (const Case& c : cases) {
-        ValueDelta d = Delta(c.before, c.after);
+        ValueDelta d = Delta(c.before, c.after, c.keepOrder);
         EXPECT_EQ(d.removed, c.removed);
         EXPECT_EQ(d.added, c.added);
     }
+}
+
+TEST(LdapChangeTest, OnlyKeysAddedAfreshAreAssertedAbsent) {
+    const char* r = "kvlxrGenerationalRedirects";
+    EXPECT_EQ(NewKeysAbsent(r, {"A=1 x"}, {"A=2"}), "");  // replaced: the deletion guards it
+    EXPECT_EQ(NewKeysAbsent(r, {"A=1"}, {"B=2 20260101000000Z"}),
+              "(!(" + std::string(r) + "=B=*))");
+    EXPECT_EQ(NewKeysAbsent(r, {}, {"B=2", "C*=3", "B=4"}),
+              "(&(!(kvlxrGenerationalRedirects=B=*))(!(kvlxrGenerationalRedirects=C\\2A=*)))");
+    EXPECT_EQ(NewKeysAbsent("member", {}, {"uid=a,o=t"}), "");
 }
 
 }  // namespace
