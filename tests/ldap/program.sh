@@ -10,7 +10,7 @@
 #   program.sh --exe LXRAdmin --lxrdir lxrdir --source DIR
 set -u
 
-exe= lxrdir= source=
+exe='' lxrdir='' source=''
 while [ $# -gt 0 ]; do
     case "$1" in
         --exe) exe=$2; shift 2 ;;
@@ -19,7 +19,10 @@ while [ $# -gt 0 ]; do
         *) echo "program.sh: unknown option $1" >&2; exit 2 ;;
     esac
 done
-[ -x "$exe" ] && [ -x "$lxrdir" ] && [ -d "$source" ] || { echo "program.sh: bad options" >&2; exit 2; }
+if [ ! -x "$exe" ] || [ ! -x "$lxrdir" ] || [ ! -d "$source" ]; then
+    echo "program.sh: bad options" >&2
+    exit 2
+fi
 : "${LXR_LDAP_URL:?run through run.sh}" "${LXR_LDAP_WORK:?}" "${LXR_LDAP_PASSWORD_FILE:?}"
 absolute() { echo "$(cd "$(dirname "$1")" && pwd)/$(basename "$1")"; }
 exe=$(absolute "$exe") lxrdir=$(absolute "$lxrdir") source=$(cd "$source" && pwd)
@@ -50,10 +53,13 @@ run() {
     local out=$work/out/$name.$side
     (cd "$work" && env "${vars[@]+"${vars[@]}"}" LXRAPI_CONFIG="$work/$side/lxrapi.toml" \
         "$exe" "$@" >"$out.stdout" 2>"$out.stderr" </dev/null)
-    echo "exit $?" >"$out"
-    cat "$out.stdout" >>"$out"
-    echo "--- stderr" >>"$out"
-    cat "$out.stderr" >>"$out"
+    local status=$?
+    {
+        echo "exit $status"
+        cat "$out.stdout"
+        echo "--- stderr"
+        cat "$out.stderr"
+    } >"$out"
 }
 
 failures=0

@@ -17,7 +17,7 @@
 # when the server cannot be started or loaded.
 set -u
 
-source_dir=
+source_dir=''
 while [ $# -gt 0 ]; do
     case "$1" in
         --source) source_dir=$2; shift 2 ;;
@@ -25,7 +25,10 @@ while [ $# -gt 0 ]; do
         *) echo "run.sh: unknown option $1" >&2; exit 2 ;;
     esac
 done
-[ -n "$source_dir" ] && [ $# -gt 0 ] || { echo "usage: run.sh --source DIR -- COMMAND..." >&2; exit 2; }
+if [ -z "$source_dir" ] || [ $# -eq 0 ]; then
+    echo "usage: run.sh --source DIR -- COMMAND..." >&2
+    exit 2
+fi
 
 SLAPD=/usr/sbin/slapd
 if [ ! -x "$SLAPD" ]; then

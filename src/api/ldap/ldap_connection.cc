@@ -95,12 +95,12 @@ Entry ToEntry(const LdapLibrary* l_, LDAP* ld, LDAPMessage* message) {
     return e;
 }
 
-bool Gone(int rc) {
+}  // namespace
+
+bool ServerGone(int rc) {
     return rc == LDAP_SERVER_DOWN || rc == LDAP_CONNECT_ERROR || rc == LDAP_TIMEOUT ||
            rc == LDAP_UNAVAILABLE || rc == LDAP_BUSY;
 }
-
-}  // namespace
 
 LdapConnection::~LdapConnection() {
     if (!ld_) return;
@@ -125,7 +125,7 @@ Status LdapConnection::Failure(int rc, const std::string& what, int code) const 
         if (*diagnostic) text += " (" + Shown(diagnostic, 300) + ")";
         l_->memfree(diagnostic);
     }
-    return Status(Gone(rc) ? kUnreachable : code, text);
+    return Status(ServerGone(rc) ? kUnreachable : code, text);
 }
 
 Status LdapConnection::ReadPassword(std::string* password) const {
@@ -191,7 +191,7 @@ Status LdapConnection::Bind() {
     if (!password.empty()) explicit_bzero(password.data(), password.size());
     if (rc == LDAP_SUCCESS) return Status::OK();
     std::string who = config_.bindDn.empty() ? "anonymously" : "as " + Quoted(config_.bindDn);
-    if (Gone(rc)) return Failure(rc, "cannot be reached", kUnreachable);
+    if (ServerGone(rc)) return Failure(rc, "cannot be reached", kUnreachable);
     return Failure(rc, "refused the bind " + who, kUnreachable);
 }
 

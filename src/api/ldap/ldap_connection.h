@@ -45,6 +45,10 @@ struct Modification {
     std::vector<std::string> values;
 };
 
+// True for results that say the server is gone or did not answer (so an
+// operation's effect is unknown), rather than that it refused.
+bool ServerGone(int rc);
+
 class LdapConnection {
   public:
     explicit LdapConnection(const LdapConfig& config) : config_(config) {}

@@ -163,8 +163,9 @@ class LdapTransaction : public StoreWriter {
                 continue;
             }
             *conflict = IsConflict(rc);
-            Status failed = ldap_.Failure(rc, "refused the change of " + Quoted(c.original.dn, 200),
-                                          kUpdateFailed);
+            std::string what =
+                ServerGone(rc) ? "did not confirm the change of " : "refused the change of ";
+            Status failed = ldap_.Failure(rc, what + Quoted(c.original.dn, 200), kUpdateFailed);
             Status undone = Undo();
             return undone.ok() ? failed
                                : Status(failed.code(), failed.message() + "; " + undone.message());
