@@ -12,6 +12,7 @@
 #   LXR_LDAP_PASSWORD_FILE  its password (one line)
 #   LXR_LDAP_ROOT_DN        the database's root, and its password in
 #   LXR_LDAP_ROOT_PASSWORD_FILE
+#   LXR_LDAP_CA_FILE        the certificate for StartTLS ("" when openssl is missing)
 #   LXR_LDAP_WORK           a scratch folder, removed afterwards
 # Exit status: the command's; 77 (skipped) when slapd is not installed; 2
 # when the server cannot be started or loaded.
@@ -71,6 +72,17 @@ root_hash=$(slappasswd -h '{SSHA}' -T "$work/root.pw") || fail "slappasswd faile
 sed -e "s|@RUN@|$work/run|g" -e "s|@DATA@|$work/data|g" \
     -e "s|@SCHEMA@|$source_dir/examples/ldap/kvlxr.ldif|g" -e "s|@ROOTPW@|$root_hash|g" \
     "$source_dir/examples/ldap/slapd-config.ldif" >"$work/config.ldif"
+# StartTLS, when openssl can make the server a certificate (for 127.0.0.1,
+# its own CA).
+tls_ca=''
+if command -v openssl >/dev/null 2>&1 &&
+    openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes -days 2 \
+        -subj /CN=127.0.0.1 -addext subjectAltName=IP:127.0.0.1 \
+        -keyout "$work/tls.key" -out "$work/tls.pem" >/dev/null 2>&1; then
+    tls_lines="olcTLSCertificateFile: $work/tls.pem\nolcTLSCertificateKeyFile: $work/tls.key"
+    sed -i "s|^olcLogLevel: none\$|&\n$tls_lines|" "$work/config.ldif"
+    tls_ca=$work/tls.pem
+fi
 slapadd -n0 -F "$work/slapd.d" -l "$work/config.ldif" >"$work/slapadd.log" 2>&1 ||
     { cat "$work/slapadd.log" >&2; fail "slapadd of the configuration failed"; }
 
@@ -116,6 +128,7 @@ LXR_LDAP_BIND_DN="cn=lxradmin,ou=services,o=example" \
 LXR_LDAP_PASSWORD_FILE=$work/service.pw \
 LXR_LDAP_ROOT_DN="cn=admin,o=example" \
 LXR_LDAP_ROOT_PASSWORD_FILE=$work/root.pw \
+LXR_LDAP_CA_FILE=$tls_ca \
 LXR_LDAP_WORK=$work/scratch \
     "$@"
 status=$?

@@ -427,6 +427,63 @@ TEST_F(LdapApiTest, AWriteRunsAgainAfterAConcurrentChangeOfItsValue) {
     EXPECT_EQ(Audit(audit_, trent).size(), 2u);  // once each, though run twice
 }
 
+// The store's own lookups: memberships with and without the configured
+// groups known (one search for all, or one per group), every DN, the audit
+// kept in the file, and the refusal to take whole entries.
+TEST_F(LdapApiTest, TheStoreListsEntriesMembersAndItsAudit) {
+    Config config;
+    ASSERT_TRUE(ParseConfig(LdapConfigText(audit_), ldapConfig_, &config).ok());
+    SqliteStoreProvider files(5000);
+    const std::string suspended = "cn=suspended,ou=groups,o=example",
+                      vpn = "cn=vpn-users,ou=groups,o=example";
+    for (bool known : {false, true}) {
+        std::unique_ptr<LdapStore> store;
+        std::vector<std::string> groups;
+        if (known) groups = {suspended, vpn, "cn=contractors,ou=groups,o=example"};
+        ASSERT_TRUE(LdapStore::Connect(config.ldap[0], files, groups, &store).ok());
+        Status s = store->Read([&](StoreReader& r) {
+            struct Case {
+                std::string group, member;
+                bool expected;
+            } cases[] = {
+                {suspended, Dn("rupert"), true},
+                {"CN=Suspended, OU=Groups, O=Example", "UID=rupert, ou=staff, o=example", true},
+                {vpn, Dn("rupert"), false},
+                {vpn, Dn("walter", "partners"), true},
+                {"cn=nothing,ou=groups,o=example", Dn("rupert"), false},
+                {suspended, "not a (dn*", false},
+            };
+            for (const Case& c : cases) {
+                bool member = !c.expected;
+                Status st = r.IsMember(c.group, c.member, &member);
+                EXPECT_TRUE(st.ok()) << st.message();
+                EXPECT_EQ(member, c.expected) << c.group << " " << c.member << " " << known;
+            }
+            std::vector<std::string> dns;
+            Status st = r.ListDns(&dns);
+            EXPECT_TRUE(st.ok()) << st.message();
+            for (const std::string& dn : {std::string("o=example"), Dn("alice"), vpn})
+                EXPECT_NE(std::find(dns.begin(), dns.end(), dn), dns.end()) << dn;
+            return st;
+        });
+        EXPECT_TRUE(s.ok()) << s.message();
+    }
+    std::unique_ptr<LdapStore> store;
+    ASSERT_TRUE(LdapStore::Connect(config.ldap[0], files, {}, &store).ok());
+    AuditRecord record;
+    record.user = Dn("grace");
+    record.changes = {{"kvlxrMustLoginBy", "old", "new"}};
+    EXPECT_TRUE(store->Write([&](StoreWriter& w) { return w.AppendAudit(record); }).ok());
+    std::vector<AuditRecord> records;
+    EXPECT_TRUE(
+        store->Read([&](StoreReader& r) { return r.ListAudit(Dn("grace"), &records); }).ok());
+    ASSERT_EQ(records.size(), 1u);
+    EXPECT_EQ(records[0].changes[0].newValue, "new");
+    Entry entry;
+    entry.dn = "uid=new,ou=staff,o=example";
+    EXPECT_EQ(store->Write([&](StoreWriter& w) { return w.Put(entry); }).code(), kUpdateFailed);
+}
+
 TEST_F(LdapApiTest, APasswordSetThroughTheApiLetsTheUserBind) {
     const std::string victor = Dn("victor");
     RootSession root;
@@ -516,6 +573,32 @@ TEST_F(LdapApiTest, ServerFaultsGiveMinusSevenNamingTheServer) {
                   .reply.find("kvlxrFailureCount\" prompt=\"#Failure Count\" "
                               "read=\"true\" write=\"true\">\n      <Value>"),
               std::string::npos);  // no write got through
+}
+
+TEST_F(LdapApiTest, StartTlsChecksTheServerCertificate) {
+    const std::string ca = Env("LXR_LDAP_CA_FILE");
+    if (ca.empty()) GTEST_SKIP() << "no certificate: openssl is missing";
+    struct Case {
+        std::string settings;
+        int rc;  // > 0: read
+        const char* expected;
+    } cases[] = {
+        {"tls = \"starttls\"\nca_file = \"" + ca + "\"", 1, ""},
+        {"tls = \"starttls\"\nca_file = \"/dev/null\"", kUnreachable, " cannot start TLS: "},
+        {"tls = \"starttls\"\ntls_verify = false", 1, ""},
+    };
+    for (const Case& c : cases) {
+        std::string text = LdapConfigText(audit_);
+        Substitute(&text, "tls = \"none\"", c.settings);
+        WriteFile(ldapConfig_, text);
+        Call read = Read("staff/carol");
+        if (c.rc > 0) {
+            EXPECT_GT(read.rc, 0) << c.settings << "\n" << read;
+        } else {
+            EXPECT_EQ(read.rc, c.rc) << read;
+            EXPECT_NE(read.message.find(c.expected), std::string::npos) << read;
+        }
+    }
 }
 
 // Processes write one user at once, each as if on a host of its own (its own
