@@ -34,7 +34,7 @@ sed -e 's|"../var/demo.db"|"demo.db"|' "$source/examples/lxrapi.toml" >"$work/em
 "$lxrdir" create "$work/ldap/audit.db" >/dev/null || exit 2
 ldap_config() { # URL: the example's LDAP configuration for that server
     sed -e "s|ldap://127.0.0.1:3890|$1|" \
-        -e "s|\"ldap.secret\"|\"$LXR_LDAP_PASSWORD_FILE\"|" \
+        -e "s|\"../../var/ldap.secret\"|\"$LXR_LDAP_PASSWORD_FILE\"|" \
         -e 's|"../../var/ldap-audit.db"|"audit.db"|' "$source/examples/ldap/lxrapi.toml"
 }
 ldap_config "$LXR_LDAP_URL" >"$work/ldap/lxrapi.toml"

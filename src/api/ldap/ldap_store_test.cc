@@ -67,20 +67,20 @@ std::ostream& operator<<(std::ostream& out, const Call& c) {
     return out << c.rc << " [" << c.message << "]\n" << c.reply;
 }
 
-// A bind as the database's root, for what the API may not do (adding a
-// test entry, looking at object classes).
-class RootSession {
+// A bind of its own: as the database's root, for what the API may not do
+// (adding a test entry, looking at object classes), or as a user.
+class Session {
   public:
-    RootSession() {
+    Session(const std::string& dn = Env("LXR_LDAP_ROOT_DN"),
+            std::string password = FileText(Env("LXR_LDAP_ROOT_PASSWORD_FILE"))) {
         ldap_initialize(&ld_, Env("LXR_LDAP_URL").c_str());
         int version = LDAP_VERSION3;
         ldap_set_option(ld_, LDAP_OPT_PROTOCOL_VERSION, &version);
-        std::string pw = FileText(Env("LXR_LDAP_ROOT_PASSWORD_FILE"));
-        berval cred{pw.size(), pw.data()};
-        bound_ = ldap_sasl_bind_s(ld_, Env("LXR_LDAP_ROOT_DN").c_str(), LDAP_SASL_SIMPLE, &cred,
-                                  nullptr, nullptr, nullptr) == LDAP_SUCCESS;
+        berval cred{password.size(), password.data()};
+        bound_ = ldap_sasl_bind_s(ld_, dn.c_str(), LDAP_SASL_SIMPLE, &cred, nullptr, nullptr,
+                                  nullptr) == LDAP_SUCCESS;
     }
-    ~RootSession() { ldap_unbind_ext_s(ld_, nullptr, nullptr); }
+    ~Session() { ldap_unbind_ext_s(ld_, nullptr, nullptr); }
     bool bound() const { return bound_; }
     LDAP* ld() { return ld_; }
 
@@ -104,17 +104,6 @@ class RootSession {
     LDAP* ld_ = nullptr;
     bool bound_ = false;
 };
-
-bool CanBind(const std::string& dn, const std::string& password) {
-    LDAP* ld = nullptr;
-    ldap_initialize(&ld, Env("LXR_LDAP_URL").c_str());
-    int version = LDAP_VERSION3;
-    ldap_set_option(ld, LDAP_OPT_PROTOCOL_VERSION, &version);
-    berval cred{password.size(), const_cast<char*>(password.data())};
-    int rc = ldap_sasl_bind_s(ld, dn.c_str(), LDAP_SASL_SIMPLE, &cred, nullptr, nullptr, nullptr);
-    ldap_unbind_ext_s(ld, nullptr, nullptr);
-    return rc == LDAP_SUCCESS;
-}
 
 class LdapApiTest : public ::testing::Test {
   protected:
@@ -157,7 +146,7 @@ class LdapApiTest : public ::testing::Test {
     std::string LdapConfigText(const std::string& audit, const std::string& url = "") {
         std::string text = FileText(std::string(LXR_SOURCE_DIR) + "/examples/ldap/lxrapi.toml");
         Substitute(&text, kExampleUrl, url.empty() ? url_ : url);
-        Substitute(&text, "\"ldap.secret\"", "\"" + Env("LXR_LDAP_PASSWORD_FILE") + "\"");
+        Substitute(&text, "\"../../var/ldap.secret\"", "\"" + Env("LXR_LDAP_PASSWORD_FILE") + "\"");
         Substitute(&text, "\"../../var/ldap-audit.db\"", "\"" + audit + "\"");
         return text;
     }
@@ -312,7 +301,7 @@ TEST_F(LdapApiTest, GroupMembershipIsAddedAndRemovedByValue) {
     EXPECT_EQ(Write(Dn("frank"), "<Group name=\"vpn-users\" member=\"1\"/>").rc, 0);
     EXPECT_EQ(member(Read("staff/frank"), "vpn-users"), "true");
     EXPECT_EQ(member(Read("staff/alice"), "vpn-users"), "true");  // the others stay
-    RootSession root;
+    Session root;
     ASSERT_TRUE(root.bound());
     EXPECT_EQ(root.Values("cn=vpn-users,ou=groups,o=example", "member").size(), 4u);
     EXPECT_EQ(Write(Dn("frank"),
@@ -333,7 +322,7 @@ TEST_F(LdapApiTest, GroupMembershipIsAddedAndRemovedByValue) {
 // A user's change is made first; when the server then refuses the group's,
 // the user's is taken back and nothing is audited.
 TEST_F(LdapApiTest, ARefusedGroupChangeTakesBackTheUserChange) {
-    RootSession root;
+    Session root;
     ASSERT_TRUE(root.bound());
     // A "group" whose object class has no member attribute.
     char ocName[] = "objectClass", cnName[] = "cn", oc[] = "organizationalRole", cn[] = "broken";
@@ -419,7 +408,7 @@ TEST_F(LdapApiTest, AWriteRunsAgainAfterAConcurrentChangeOfItsValue) {
         });
         ASSERT_TRUE(s.ok()) << s.message();
         EXPECT_EQ(runs, 2) << c.mine;
-        RootSession root;
+        Session root;
         std::vector<std::string> values = root.Values(trent, kRedirects);
         std::sort(values.begin(), values.end());
         EXPECT_EQ(values, c.expected);
@@ -486,7 +475,7 @@ TEST_F(LdapApiTest, TheStoreListsEntriesMembersAndItsAudit) {
 
 TEST_F(LdapApiTest, APasswordSetThroughTheApiLetsTheUserBind) {
     const std::string victor = Dn("victor");
-    RootSession root;
+    Session root;
     ASSERT_TRUE(root.bound());
     EXPECT_EQ(root.Values(victor, "objectClass"), std::vector<std::string>{"inetOrgPerson"});
     Call c = Write(victor,
@@ -494,8 +483,8 @@ TEST_F(LdapApiTest, APasswordSetThroughTheApiLetsTheUserBind) {
                    "<Attribute name=\"kvlxrImmediateChange\"><Value>YES via LXRAdmin</Value>"
                    "</Attribute>");
     ASSERT_EQ(c.rc, 0) << c;
-    EXPECT_TRUE(CanBind(victor, "New-pass42"));
-    EXPECT_FALSE(CanBind(victor, "Demo-pass1"));
+    EXPECT_TRUE(Session(victor, "New-pass42").bound());
+    EXPECT_FALSE(Session(victor, "Demo-pass1").bound());
     // The user had none of our attributes: the auxiliary class came with them.
     EXPECT_EQ(root.Values(victor, "objectClass"),
               (std::vector<std::string>{"inetOrgPerson", "kvlxrAccount"}));
@@ -667,7 +656,7 @@ TEST_F(LdapApiTest, ConcurrentWritersLoseNothing) {
         waitpid(pid, &status, 0);
         EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
     }
-    RootSession root;
+    Session root;
     EXPECT_EQ(root.Values(uma, "kvlxrFailureCount"), std::vector<std::string>{"6 20260601120000Z"});
     EXPECT_EQ(root.Values(uma, "kvlxrDisableUntil"), std::vector<std::string>{"FOREVER round6"});
     EXPECT_EQ(root.Values(uma, "kvlxrAccountInactivityDays"), std::vector<std::string>{"6 days"});
