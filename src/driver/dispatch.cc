@@ -86,15 +86,7 @@ std::string AdministratorContext() {
 // the message's own buffer: the page then shows the status text instead of
 // the message, which is how the missing-user POST has always answered.
 void FailureExit(const char* message, char* status, int statusSize) {
-    if (IsURL(message)) {
-        Redirect(message, 0, true);
-        return;
-    }
-    Lang->Translate(status, statusSize, "KV-LXR-12503 ", "503 SERVICE UNAVAILABLE");
-    HTTPHeader(status);
-    HTMLHeader(kTitleKey, kTitle, kTitleKey, kTitle, false);
-    DoError(message, 0);
-    HTMLFooter();
+    ErrorPageOrRedirect(message, "KV-LXR-12503 ", status, statusSize);
 }
 
 // A failure of the driver's own, with its message through LangWithID.

@@ -34,6 +34,19 @@ void StandardHead() {
 
 }  // namespace
 
+void ErrorPageOrRedirect(const char* message, const char* statusKey, char* status,
+                         int statusSize) {
+    if (IsURL(message)) {
+        Redirect(message, nullptr, true);
+        return;
+    }
+    Lang->Translate(status, statusSize, statusKey, "503 SERVICE UNAVAILABLE");
+    HTTPHeader(status);
+    StandardHead();
+    DoError(message, nullptr);
+    HTMLFooter();
+}
+
 void DoError(const char* message, const char* returnURL) {
     prtFormatter.printf("<SCRIPT LANGUAGE=\"JavaScript\">\n");
     prtFormatter.printf("<!--\n");

@@ -9,6 +9,13 @@
 // null, a link to it labelled with KV-LXR-12013 through LangWithID.
 void DoError(const char* message, const char* returnURL);
 
+// The ending every failure shares: a redirect to `message` when it is a URL
+// (so that the API or a catalogue entry can send the browser to a page of the
+// site's own), else a whole error page whose status is `statusKey` translated
+// through Lang into `status` (statusSize bytes) and whose text is `message`.
+// `status` may be the message's own buffer: the page then shows the status.
+void ErrorPageOrRedirect(const char* message, const char* statusKey, char* status, int statusSize);
+
 // A whole page ("KV-LXR-12200 " status) showing `xml` as text, "<" and ">"
 // escaped, "&" not. Header and head are written only if not written yet.
 void DumpXML(const char* xml);

@@ -48,17 +48,8 @@ void WriteNothingToShow() {
     char text[kTextSize];
     Lang->Translate(text, sizeof text, "KV-LXR-15002",
                     "No user attributes are available for view/edit.");
-    if (IsURL(text)) {
-        Redirect(text, nullptr, true);
-        return;
-    }
     char status[kTextSize];
-    Lang->Translate(status, sizeof status, "KV-LXR-12503", "503 SERVICE UNAVAILABLE");
-    HTTPHeader(status);
-    HTMLHeader("KV-LXR-12060", "LXR Administration Service", "KV-LXR-12060",
-               "LXR Administration Service", false);
-    DoError(text, nullptr);
-    HTMLFooter();
+    ErrorPageOrRedirect(text, "KV-LXR-12503", status, sizeof status);
 }
 
 void WriteHead() {

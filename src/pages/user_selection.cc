@@ -23,17 +23,8 @@ const char* EnvText(const char* name) {
 void WriteNoDirectories() {
     char text[kTextSize];
     LangWithID->Translate(text, sizeof text, "KV-LXR-15001", "No User Directories are available.");
-    if (IsURL(text)) {
-        Redirect(text, nullptr, true);
-        return;
-    }
     char status[kTextSize];
-    Lang->Translate(status, sizeof status, "KV-LXR-12503", "503 SERVICE UNAVAILABLE");
-    HTTPHeader(status);
-    HTMLHeader("KV-LXR-12060", "LXR Administration Service", "KV-LXR-12060",
-               "LXR Administration Service", false);
-    DoError(text, nullptr);
-    HTMLFooter();
+    ErrorPageOrRedirect(text, "KV-LXR-12503", status, sizeof status);
 }
 
 void WriteDirectoryRow(const DirectoryTable& table, char* text) {
