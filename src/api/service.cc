@@ -139,6 +139,16 @@ UserView BuildView(const Config& config, const Role& role, const FoundUser& foun
 
 }  // namespace
 
+// The role named by `identity`, and the administrator's DN, once the
+// administrator entry exists and is admitted to the role.
+static Status Authorize(const Config& config, StoreProvider& stores, std::string_view identity,
+                        std::string_view administratorPath, const Role** role,
+                        std::string* adminDn) {
+    Status s = FindRole(config, identity, role);
+    if (!s.ok()) return s;
+    return CheckAdministrator(config, stores, **role, administratorPath, adminDn);
+}
+
 Status GetDirectories(const Config& config, std::string_view identity, std::string* reply) {
     const Role* role = nullptr;
     Status s = FindRole(config, identity, &role);
@@ -154,11 +164,9 @@ Status ReadUser(const Config& config, StoreProvider& stores, std::string_view id
                 std::string_view administratorPath, std::string_view userPath, std::string* reply,
                 int* attributeCount) {
     const Role* role = nullptr;
-    Status s = FindRole(config, identity, &role);
-    if (!s.ok()) return s;
     std::string adminDn;
-    if (!(s = CheckAdministrator(config, stores, *role, administratorPath, &adminDn)).ok())
-        return s;
+    Status s = Authorize(config, stores, identity, administratorPath, &role, &adminDn);
+    if (!s.ok()) return s;
     FoundUser found;
     if (!(s = FindUser(config, stores, *role, userPath, &found)).ok()) return s;
     UserView view = BuildView(config, *role, found);
@@ -395,11 +403,9 @@ Status ApplyPlan(StoreWriter& w, const Plan& plan, AuditRecord* audit) {
 Status WriteUser(const Config& config, StoreProvider& stores, std::string_view identity,
                  std::string_view administratorPath, std::string_view document) {
     const Role* role = nullptr;
-    Status s = FindRole(config, identity, &role);
-    if (!s.ok()) return s;
     std::string adminDn;
-    if (!(s = CheckAdministrator(config, stores, *role, administratorPath, &adminDn)).ok())
-        return s;
+    Status s = Authorize(config, stores, identity, administratorPath, &role, &adminDn);
+    if (!s.ok()) return s;
     UpdateDocument doc;
     if (!(s = ParseUpdateDocument(document, &doc)).ok()) return s;
     Plan plan;

@@ -154,16 +154,7 @@ void outGenRedirect(const char* value, int, bool first, bool last) {
         prtFormatter.printf("%s\n", tagNotSet);
         return;
     }
-    if (first) {
-        Put("<table width=\"100%\">\n");
-        Put("<thead>\n");
-        Put("<th width=\"1%\"></th>\n");
-        Put("<th width=\"1%\"></th>\n");
-        prtFormatter.printf("<th align=\"center\" width=\"1%%\">%s</th>\n", tagWhen);
-        prtFormatter.printf("<th align=\"center\" width=\"1%%\">%s</th>\n", tagIP);
-        prtFormatter.printf("<th>%s</th>\n", tagComment);
-        Put("</thead>\n");
-    }
+    if (first) fields::WriteRedirectHead(false);
     fields::RedirectEntry entry = fields::ReadRedirectEntry(value);
     Put("<tr>\n");
     prtFormatter.printf("<td nowrap><span class=\"INNERPROMPT\">%s&nbsp;</span></td>\n",

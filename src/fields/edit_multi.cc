@@ -58,17 +58,7 @@ Finisher inGenRedirect(const char* name, const char* value, int index, bool firs
         prtFormatter.printf("%s\n", tagNotSet);
         return nullptr;
     }
-    if (first) {
-        Put("<table width=\"100%\">\n");
-        Put("<thead>\n");
-        prtFormatter.printf("<th width=\"1%%\">%s</th>\n", tagClear);
-        Put("<th width=\"1%\"></th>\n");
-        Put("<th width=\"1%\"></th>\n");
-        prtFormatter.printf("<th align=\"center\" width=\"1%%\">%s</th>\n", tagWhen);
-        prtFormatter.printf("<th align=\"center\" width=\"1%%\">%s</th>\n", tagIP);
-        prtFormatter.printf("<th>%s</th>\n", tagComment);
-        Put("</thead>\n");
-    }
+    if (first) fields::WriteRedirectHead(true);
     fields::RedirectEntry entry = fields::ReadRedirectEntry(value);
     Put("<tr>\n");
     prtFormatter.printf("<td nowrap align=\"center\"><INPUT TYPE=\"CHECKBOX\" NAME=\"%s\"></td>\n",

@@ -25,6 +25,18 @@ RedirectEntry ReadRedirectEntry(const char* value) {
     return entry;
 }
 
+void WriteRedirectHead(bool clearColumn) {
+    Put("<table width=\"100%\">\n");
+    Put("<thead>\n");
+    if (clearColumn) prtFormatter.printf("<th width=\"1%%\">%s</th>\n", tagClear);
+    Put("<th width=\"1%\"></th>\n");
+    Put("<th width=\"1%\"></th>\n");
+    prtFormatter.printf("<th align=\"center\" width=\"1%%\">%s</th>\n", tagWhen);
+    prtFormatter.printf("<th align=\"center\" width=\"1%%\">%s</th>\n", tagIP);
+    prtFormatter.printf("<th>%s</th>\n", tagComment);
+    Put("</thead>\n");
+}
+
 void WriteRedirectTail(const RedirectEntry& entry) {
     if (!entry.date.empty()) {
         Put("<td nowrap>\n");

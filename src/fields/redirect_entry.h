@@ -19,6 +19,10 @@ struct RedirectEntry {
 // Reads the four words of `value` (leading blanks already skipped).
 RedirectEntry ReadRedirectEntry(const char* value);
 
+// Opens the redirect table with its header row; the editable table has a
+// Clear column in front.
+void WriteRedirectHead(bool clearColumn);
+
 // Writes the row's date cell (only when there is a date: such rows are one
 // cell short of the header, as the table has always been), the address and
 // comment cells and the row end.
