@@ -19,23 +19,12 @@ set -euo pipefail
 WEB_DIR=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 APACHE=${APACHE:-$(command -v apache2 || echo /usr/sbin/apache2)}
 
-die() { echo "apache.sh: $*" >&2; exit 1; }
-quote() {
-  case $1 in *'"'* | *'\'*) die "value may not contain quotes or backslashes: $1" ;; esac
-  printf '"%s"' "$1"
-}
+SERVER_NAME=apache.sh
+# shellcheck source=web/server_lib.sh
+. "$WEB_DIR/server_lib.sh"
 absolute() { echo "$(cd "$(dirname "$1")" && pwd)/$(basename "$1")"; }
-port_answers() { (exec 3<>"/dev/tcp/$1/$2") 2>/dev/null; }
 
-stop_server() {
-  local run=$1 pid
-  [ -f "$run/httpd.pid" ] || { echo "apache.sh: no server recorded in $run" >&2; return 0; }
-  pid=$(cat "$run/httpd.pid")
-  if kill "$pid" 2>/dev/null; then
-    for _ in $(seq 100); do kill -0 "$pid" 2>/dev/null || break; sleep 0.1; done
-  fi
-  rm -f "$run/httpd.pid"
-}
+stop_server() { stop_pidfile "$1/httpd.pid" 100; }
 
 write_config() {
   local port=$1

@@ -23,25 +23,11 @@ set -euo pipefail
 WEB_DIR=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 LIGHTTPD=${LIGHTTPD:-$(command -v lighttpd || echo /usr/sbin/lighttpd)}
 
-die() { echo "lighttpd.sh: $*" >&2; exit 1; }
+SERVER_NAME=lighttpd.sh
+# shellcheck source=web/server_lib.sh
+. "$WEB_DIR/server_lib.sh"
 
-# A value goes between double quotes in the generated configuration.
-quote() {
-  case $1 in *'"'* | *'\'*) die "value may not contain quotes or backslashes: $1" ;; esac
-  printf '"%s"' "$1"
-}
-
-port_answers() { (exec 3<>"/dev/tcp/$1/$2") 2>/dev/null; }
-
-stop_server() {
-  local run=$1 pid
-  [ -f "$run/lighttpd.pid" ] || { echo "lighttpd.sh: no server recorded in $run" >&2; return 0; }
-  pid=$(cat "$run/lighttpd.pid")
-  if kill "$pid" 2>/dev/null; then
-    for _ in $(seq 50); do kill -0 "$pid" 2>/dev/null || break; sleep 0.1; done
-  fi
-  rm -f "$run/lighttpd.pid"
-}
+stop_server() { stop_pidfile "$1/lighttpd.pid" 50; }
 
 write_config() {
   local run=$1 port=$2
