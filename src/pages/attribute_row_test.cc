@@ -63,30 +63,15 @@ class AttributeRowTest : public pagestest::PagesTest {
     lxrtest::ScopedEnv tz_{"TZ", "UTC"};
 };
 
-TEST_F(AttributeRowTest, WholeRowAroundTheHandlers) {
-    AttributeElement a = Attribute("kvlxrX", {"1", "2"}, true, false);
-    a.prompt = "Prompt";
-    std::string out = Capture([&] { WriteAttributeRow(a, {false, FakeDisplay, FakeEdit}); });
-    EXPECT_EQ(out, R"(<tr>
-<td width="1%" valign="top">
-</td>
-<td width="1" valign="top">
-<span class="PROMPT">Prompt</span>
-</td>
-<td valign="top">
-<nobr><span class="DATADISPLAY">[show(1,0,1,0)][show(2,1,0,1)]</span></nobr></td>
-</tr>
-)");
-    // The label falls back to the name; an empty label gives one wide cell.
-    a.prompt.clear();
-    out = Capture([&] { WriteAttributeRow(a, {false, nullptr, nullptr}); });
+// The label falls back to the name; an empty label gives one wide cell.
+TEST_F(AttributeRowTest, LabelFallsBackToTheName) {
+    AttributeElement a = Attribute("kvlxrX", {"1"}, true, false);
+    std::string out = Capture([&] { WriteAttributeRow(a, {false, nullptr, nullptr}); });
     EXPECT_NE(out.find("<span class=\"PROMPT\">kvlxrX</span>\n"), std::string::npos) << out;
     a.name.clear();
     out = Capture([&] { WriteAttributeRow(a, {false, nullptr, nullptr}); });
-    EXPECT_EQ(out,
-              "<tr>\n<td width=\"1%\" valign=\"top\">\n</td>\n<td colspan=\"2\" "
-              "valign=\"top\">\n<nobr><span class=\"DATADISPLAY\"></span></nobr></td>\n"
-              "</tr>\n");
+    EXPECT_NE(out.find("</td>\n<td colspan=\"2\" valign=\"top\">\n"), std::string::npos) << out;
+    EXPECT_EQ(out.find("PROMPT"), std::string::npos) << out;
 }
 
 TEST_F(AttributeRowTest, HandlerChoiceAndHiddenFields) {
@@ -183,55 +168,31 @@ TEST_F(AttributeRowTest, StatusPictures) {
     }
 }
 
-TEST_F(AttributeRowTest, DetailList) {
+// Detail lists go into a frame for MSIE only, and the agent test is
+// case-sensitive; the lists' markup is left to the whole-program cases.
+TEST_F(AttributeRowTest, DetailListFrameOnlyForMsie) {
     AttributeElement a = Attribute("kvlxrLoginHistory", {"v"}, true, false);
-    a.prompt = "P";
-    const char* script = R"(<SCRIPT LANGUAGE="JavaScript">
-<!--
-function ShowDetail_kvlxrLoginHistory(W, bDoc)
-{
-    if (bDoc)
-        DocHead(W);
-    W.document.writeln('<table width="100%">');
-[show(v,0,1,1)]    W.document.writeln('</table');
-    if (bDoc)
-        DocFoot(W);
-    if (bDoc)
-        W.document.close();
-}
-//-->
-</SCRIPT>
-)";
-    const char* inline_ = R"(<SCRIPT LANGUAGE="JavaScript">
-<!--
-    ShowDetail_kvlxrLoginHistory(window, false);
-//-->
-</SCRIPT>
-)";
-    const char* frame =
-        "<IFRAME NAME=\"kvlxrLoginHistory_FRAME\" CLASS=\"HISTORYFRAME\" FRAMEBORDER=\"0\" "
-        "WIDTH=\"100%\" SCROLLING=\"YES\" "
-        "SRC=\"javascript:parent.ShowDetail_kvlxrLoginHistory(window, true);\" "
-        "MARGINHEIGHT=\"0\" MARGINWIDTH=\"0\">\n";
-    const std::string head =
-        "<tr>\n<td width=\"1%\" valign=\"top\">\n</td>\n<td width=\"1\" valign=\"top\">\n"
-        "<span class=\"PROMPT\">P</span>\n</td>\n<td valign=\"top\">\n"
-        "<nobr><span class=\"DATADISPLAY\">";
-    const std::string tail = "</span></nobr></td>\n</tr>\n";
     struct Case {
         const char* agent;
-        std::string body;
+        bool frame;
     } cases[] = {
-        {nullptr, std::string(script) + inline_},
-        {"Mozilla/5.0 (X11; Linux x86_64)", std::string(script) + inline_},
-        {"Mozilla/4.0 (compatible; MSIE 6.0; Windows NT 5.1)",
-         std::string(script) + frame + inline_ + "</IFRAME>\n"},
-        {"msie", std::string(script) + inline_},  // the agent test is case-sensitive
+        {nullptr, false},
+        {"Mozilla/5.0 (X11; Linux x86_64)", false},
+        {"Mozilla/4.0 (compatible; MSIE 6.0; Windows NT 5.1)", true},
+        {"msie", false},
     };
     for (const Case& c : cases) {
         lxrtest::ScopedEnv agent("HTTP_USER_AGENT", c.agent);
         std::string out = Capture([&] { WriteAttributeRow(a, {true, FakeDisplay, nullptr}); });
-        EXPECT_EQ(out, head + c.body + tail) << (c.agent ? c.agent : "(none)");
+        const char* what = c.agent ? c.agent : "(none)";
+        EXPECT_NE(out.find("function ShowDetail_kvlxrLoginHistory(W, bDoc)"), std::string::npos)
+            << what;
+        EXPECT_NE(out.find("[show(v,0,1,1)]"), std::string::npos) << what;
+        EXPECT_NE(out.find("    ShowDetail_kvlxrLoginHistory(window, false);\n"), std::string::npos)
+            << what;
+        EXPECT_EQ(out.find("<IFRAME NAME=\"kvlxrLoginHistory_FRAME\"") != std::string::npos,
+                  c.frame)
+            << what;
     }
 }
 
@@ -298,13 +259,6 @@ TEST_F(AttributeRowTest, ProcessAttributeReadsThenWrites) {
     EXPECT_FALSE(ok);
     EXPECT_EQ(out, "");
     EXPECT_STREQ(cursor, "TRUE\"></Attribute>");
-}
-
-TEST_F(AttributeRowTest, PromptFromTheCatalogue) {
-    UseCatalogue({{"#Failures", "Echecs"}});
-    const char* cursor = "name=\"kvlxrTotalFailures\" prompt=\"#Failures\"></Attribute>";
-    std::string out = Capture([&] { ProcessAttribute(cursor); });
-    EXPECT_NE(out.find("<span class=\"PROMPT\">Echecs</span>"), std::string::npos) << out;
 }
 
 }  // namespace

@@ -64,111 +64,50 @@ TEST_F(SectionGroupTest, MalformedElementsWriteNothing) {
     EXPECT_TRUE(DataMoves.empty());
 }
 
-constexpr const char* kCheckedMemberRow = R"(<td width="1" valign="top">
-<img name="GROUP-cn=g_IMAGE" width="20" height="20" hspace="0" vspace="0" border="0" src="../korvelagent/dmspages/Disabled.gif" title="DISABLED-TAG">
-</td>
-<td width="1" valign="top">
-<span class="PROMPT">Staff</span>
-</td>
-<td valign="top">
-<INPUT TYPE="CHECKBOX" NAME="GROUP-cn=g" checked onClick="CheckDisabled('cn=g');">
-</td>
-</tr>
-)";
-
-constexpr const char* kPlainCheckboxRow = R"(<td width="1" valign="top">
-</td>
-<td width="1" valign="top">
-<span class="PROMPT">g</span>
-</td>
-<td valign="top">
-<INPUT TYPE="CHECKBOX" NAME="GROUP-g">
-</td>
-</tr>
-)";
-
-constexpr const char* kRadioRow = R"(<td width="1" valign="top">
-<img name="GROUP-g_IMAGE" width="20" height="20" hspace="0" vspace="0" border="0" src="../korvelagent/dmspages/Unknown.gif" title="">
-</td>
-<td width="1" valign="top">
-<span class="PROMPT">lock</span>
-</td>
-<td valign="top">
-<table width="100%" border="0" cellpadding="0" cellspacing="0"><tr>
-<td width="33%">
-<span class="GROUPBUTTONS"><INPUT TYPE="RADIO" NAME="GROUP-g" VALUE="" checked onClick="CheckDisabled3('g', 0);">No Change</span></td>
-<td width="33%">
-<span class="GROUPBUTTONS"><INPUT TYPE="RADIO" NAME="GROUP-g" VALUE="1" onClick="CheckDisabled3('g', 1);">Add</span></td>
-<td width="33%">
-<span class="GROUPBUTTONS"><INPUT TYPE="RADIO" NAME="GROUP-g" VALUE="0" onClick="CheckDisabled3('g', 2);">Remove</span></td>
-</tr></table>
-</td>
-</tr>
-)";
-
-constexpr const char* kPlainRadioRow = R"(<td width="1" valign="top">
-</td>
-<td colspan="2" valign="top">
-<table width="100%" border="0" cellpadding="0" cellspacing="0"><tr>
-<td width="33%">
-<span class="GROUPBUTTONS"><INPUT TYPE="RADIO" NAME="GROUP-" VALUE="" checked >No Change</span></td>
-<td width="33%">
-<span class="GROUPBUTTONS"><INPUT TYPE="RADIO" NAME="GROUP-" VALUE="1" >Add</span></td>
-<td width="33%">
-<span class="GROUPBUTTONS"><INPUT TYPE="RADIO" NAME="GROUP-" VALUE="0" >Remove</span></td>
-</tr></table>
-</td>
-</tr>
-)";
-
-// A display row: blank picture (not a member, with a reason), the label, a word.
-std::string DisplayRow(const char* image, const char* word) {
-    std::string row = "<td width=\"1\" valign=\"top\">\n";
-    row += image;
-    row +=
-        "</td>\n<td width=\"1\" valign=\"top\">\n<span class=\"PROMPT\">G</span>\n</td>\n"
-        "<td valign=\"top\">\n<span class=\"GROUPMEMBER\">";
-    row += word;
-    row += "</span>\n</td>\n</tr>\n";
-    return row;
-}
-
+// Which row a group gets: its picture (null: none), the control that tells the
+// row's kind, the hidden field and whether the submit script moves it. The
+// rows' whole markup is left to the whole-program cases.
 TEST_F(SectionGroupTest, GroupRowsByReadWriteAndMember) {
+    const char* yes = "<span class=\"GROUPMEMBER\">Yes</span>";
+    const char* unknown = "<span class=\"GROUPMEMBER\">Unknown</span>";
     struct Case {
         const char* text;
         bool readOnly;
-        std::string html;
+        const char* picture;
+        const char* control;
         const char* fields;
         size_t moves;
     } cases[] = {
         {"name=\"cn=g\" prompt=\"Staff\" read=\"true\" write=\"true\" member=\"true\" "
          "reasoncode=\"r\"/>",
-         false, kCheckedMemberRow, "GROUP-cn=g=1\n", 1},
+         false, "Disabled.gif\" title=\"DISABLED-TAG\"",
+         "<INPUT TYPE=\"CHECKBOX\" NAME=\"GROUP-cn=g\" checked onClick=\"CheckDisabled('cn=g');\">",
+         "GROUP-cn=g=1\n", 1},
         // The label falls back to the name; no reason code, no picture, no onClick.
-        {"name=\"g\" read=\"true\" write=\"true\" member=\"false\"/>", false, kPlainCheckboxRow,
+        {"name=\"g\" read=\"true\" write=\"true\" member=\"false\"/>", false, nullptr,
+         "<span class=\"PROMPT\">g</span>\n</td>\n<td valign=\"top\">\n"
+         "<INPUT TYPE=\"CHECKBOX\" NAME=\"GROUP-g\">\n",
          "GROUP-g=0\n", 1},
         // Changeable but unknown: three radio buttons, the label is the reason.
-        {"name=\"g\" write=\"true\" reasoncode=\"lock\"/>", false, kRadioRow, "GROUP-g=\n", 1},
-        // No name at all is accepted: the field is "GROUP-" alone.
-        {"write=\"true\" member=\"true\"/>", false, kPlainRadioRow, "GROUP-=\n", 1},
-        {"name=\"x\" prompt=\"G\" read=\"true\" member=\"true\"/>", false, DisplayRow("", "Yes"),
+        {"name=\"g\" write=\"true\" reasoncode=\"lock\"/>", false, "Unknown.gif\" title=\"\"",
+         "<span class=\"PROMPT\">lock</span>", "GROUP-g=\n", 1},
+        {"name=\"g\" write=\"true\"/>", false, nullptr,
+         "NAME=\"GROUP-g\" VALUE=\"0\" >Remove</span>", "GROUP-g=\n", 1},
+        // No name at all is accepted: the field is "GROUP-" alone, in one wide cell.
+        {"write=\"true\" member=\"true\"/>", false, nullptr,
+         "<td colspan=\"2\" valign=\"top\">\n<table", "GROUP-=\n", 1},
+        {"name=\"x\" prompt=\"G\" read=\"true\" member=\"true\"/>", false, nullptr, yes, "", 0},
+        {"name=\"x\" prompt=\"G\" read=\"true\" member=\"false\"/>", false, nullptr,
+         "<span class=\"GROUPMEMBER\">No</span>", "", 0},
+        {"name=\"x\" prompt=\"G\" read=\"true\" member=\"restricted\"/>", false, nullptr, unknown,
          "", 0},
-        {"name=\"x\" prompt=\"G\" read=\"true\" member=\"false\"/>", false, DisplayRow("", "No"),
-         "", 0},
-        {"name=\"x\" prompt=\"G\" read=\"true\" member=\"restricted\"/>", false,
-         DisplayRow("", "Unknown"), "", 0},
-        {"name=\"x\" prompt=\"G\" member=\"true\"/>", false, DisplayRow("", "Unknown"), "", 0},
+        {"name=\"x\" prompt=\"G\" member=\"true\"/>", false, nullptr, unknown, "", 0},
         // A read-only request turns every group into a display row.
-        {"name=\"x\" prompt=\"G\" read=\"true\" write=\"true\" member=\"true\"/>", true,
-         DisplayRow("", "Yes"), "", 0},
-        {"name=\"x\" prompt=\"G\" write=\"true\" member=\"true\"/>", true,
-         DisplayRow("", "Unknown"), "", 0},
+        {"name=\"x\" prompt=\"G\" read=\"true\" write=\"true\" member=\"true\"/>", true, nullptr,
+         yes, "", 0},
+        {"name=\"x\" prompt=\"G\" write=\"true\" member=\"true\"/>", true, nullptr, unknown, "", 0},
         {"name=\"x\" prompt=\"G\" reasoncode=\"r\" read=\"true\" member=\"false\"/>", false,
-         DisplayRow("<img name=\"GROUP-x_IMAGE\" width=\"20\" height=\"20\" hspace=\"0\" "
-                    "vspace=\"0\" border=\"0\" src=\"../korvelagent/dmspages/Blank.gif\" "
-                    "title=\"\">\n",
-                    "No"),
-         "", 0},
+         "Blank.gif\" title=\"\"", "<span class=\"GROUPMEMBER\">No</span>", "", 0},
     };
     for (const Case& c : cases) {
         ResetPageGlobals();
@@ -178,32 +117,16 @@ TEST_F(SectionGroupTest, GroupRowsByReadWriteAndMember) {
         std::string out = Capture([&] { ok = ProcessGroup(cursor); });
         EXPECT_TRUE(ok) << c.text;
         EXPECT_STREQ(cursor, ">") << c.text;
-        EXPECT_EQ(out, c.html) << c.text;
+        if (c.picture) {
+            EXPECT_NE(out.find(std::string("/dmspages/") + c.picture), std::string::npos) << out;
+        } else {
+            EXPECT_EQ(out.find("<img"), std::string::npos) << out;
+        }
+        EXPECT_NE(out.find(c.control), std::string::npos) << c.control << "\n---\n" << out;
+        EXPECT_EQ(out.find("<INPUT") != std::string::npos, c.moves > 0) << out;
         EXPECT_EQ(Fields(), c.fields) << c.text;
         EXPECT_EQ(DataMoves.size(), c.moves) << c.text;
     }
-}
-
-TEST_F(SectionGroupTest, CopyStatements) {
-    const char* cursor = "name=\"a\" read=\"true\" write=\"true\"/>";
-    Capture([&] { ProcessGroup(cursor); });
-    cursor = "name=\"b\" write=\"true\"/>";
-    Capture([&] { ProcessGroup(cursor); });
-    ASSERT_EQ(DataMoves.size(), 2u);
-    EXPECT_EQ(DataMoves[0],
-              "if (document.DisplayForm.elements['GROUP-a'].checked)\n"
-              "        document.PostForm.elements['GROUP-a'].value = '1';\n"
-              "    else\n"
-              "        document.PostForm.elements['GROUP-a'].value = '0';\n");
-    EXPECT_EQ(DataMoves[1],
-              "if (document.DisplayForm.elements['GROUP-b'][1].checked)\n"
-              "        document.PostForm.elements['GROUP-b'].value = \"1\";\n"
-              "    else\n"
-              "    if (document.DisplayForm.elements['GROUP-b'][2].checked)\n"
-              "        document.PostForm.elements['GROUP-b'].value = \"0\";\n"
-              "    else\n"
-              "        document.PostForm.elements['GROUP-b'].value = \"\";\n");
-    EXPECT_EQ(Fields(), "GROUP-a=0\nGROUP-b=\n");
 }
 
 TEST_F(SectionGroupTest, LabelsComeFromTheCatalogue) {
