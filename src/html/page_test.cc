@@ -7,9 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
-#include <sstream>
 #include <string>
-#include <vector>
 
 #include "fields/field_model.h"
 #include "html/testing/capture.h"
@@ -65,79 +63,10 @@ std::string ScriptOf(const std::string& page) {
     return end == std::string::npos ? "" : page.substr(start, end - start);
 }
 
-std::vector<std::string> Lines(const std::string& text) {
-    std::vector<std::string> lines;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);) lines.push_back(line);
-    return lines;
-}
-
-TEST(DefaultStylesTest, EveryRuleAsPublished) {
-    struct Rule {
-        const char* name;
-        const char* declarations;
-    };
-    const char* inset =
-        "background-color: #c0c0c0; border-left: 1px inset; border-right: 1px inset; "
-        "border-top: 1px inset; border-bottom: 1px inset;";
-    const Rule rules[] = {
-        {".DIALOGBOX", "background-color: #c0c0c0; border-style: outset;"},
-        {".TITLEBOX",
-         "background-color: #000080; border-style: inset; border-left: 1px inset; "
-         "border-right: 1px inset; border-top: 1px inset; border-bottom: 1px inset;"},
-        {".TITLE",
-         "text-align: left; font-family: Arial; vertical-align: middle; white-space: nowrap; "
-         "font-weight: bold; font-size: small; color: #FFFFFF;"},
-        {".SELECTINNERBOX", inset},
-        {".DISPLAYINNERBOX", inset},
-        {".DISPLAYINNERFRAME", "background-color: #c0c0c0;"},
-        {".SECTIONBOX",
-         "background-color: #c0c0c0; vertical-align: middle; border-left: 1px outset; "
-         "border-right: 1px outset; border-top: 1px outset; border-bottom: 1px outset;"},
-        {".SECTION",
-         "font-family: Arial; font-weight: bold; font-size: medium; white-space: nowrap; "
-         "text-align: center;"},
-        {".PROMPT", "white-space: nowrap; text-align: left; font-weight: bold;"},
-        {".INNERPROMPTRO", "white-space: nowrap;"},
-        {".INNERPROMPT", "white-space: nowrap; font-weight: bold;"},
-        {".DISABLEDISPLAY", "white-space: nowrap; text-align: left;"},
-        {".DATADISPLAY", "text-align: left;"},
-        {".INTERSECTION", nullptr},
-        {".INTERFIELD", nullptr},
-        {".GROUPBUTTONS", nullptr},
-        {".GROUPMEMBER", nullptr},
-        {".LOCALLABEL", nullptr},
-        {".HISTORYFRAME", " height: 50;"},
-        {".HISTORYLAYER", " height: 50;  clip: hidden;  overflow: scroll;"},
-        {".STATUSFAILED", "font-weight: bold; color: red;"},
-        {".STATUSSUCCESS", "font-weight: bold; color: green;"},
-    };
-    std::string want;
-    for (const Rule& r : rules) {
-        std::string name = r.name;
-        name += std::string(name.size() < 16 ? 16 - name.size() : 1, ' ');
-        want += name + (r.declarations ? std::string("{ ") + r.declarations + " }" : "{ }") + "\n";
-    }
-    EXPECT_EQ(std::string(DefaultStyles), want);
-}
-
-TEST_F(PageTest, HeadWithInlineStylesIsWrittenOnce) {
-    std::string page = Head();
-    const std::string start =
-        "<html>\n<head>\n<title>LXR Administration Service</title>\n"
-        "<meta name=\"Description\" content=\"PAGE_TITLE\">\n"
-        "<style type=\"text/css\">\n<!--\n" +
-        std::string(DefaultStyles) +
-        "-->\n</style>\n"
-        "<SCRIPT LANGUAGE=\"JavaScript\">\n<!--\nfunction Pad2(x)\n{\n";
-    EXPECT_EQ(page.substr(0, start.size()), start);
-    const std::string end = "}\n//-->\n</SCRIPT>\n</head>\n\n";
-    ASSERT_GE(page.size(), end.size());
-    EXPECT_EQ(page.substr(page.size() - end.size()), end);
-    EXPECT_EQ(page.find("<link"), std::string::npos);
-    EXPECT_TRUE(bOutputHTMLHeader);
-    EXPECT_EQ(Head(), "");
-}
+// The head with the inline styles, the script library and the body are
+// compared whole by the program's own cases; these tests cover what those
+// cannot reach: a style sheet file beside the program, texts with quotes or
+// markup, and the scripts' behaviour.
 
 TEST_F(PageTest, HeadLinksTheStyleSheetFileWhenPresent) {
     CreateStyleSheetFile();
@@ -149,99 +78,18 @@ TEST_F(PageTest, HeadLinksTheStyleSheetFileWhenPresent) {
     EXPECT_NE(page.find("    W.document.writeln('" + link + "');\n"), std::string::npos);
 }
 
-TEST_F(PageTest, DocHeadWritesEachStyleLineWithoutTheFile) {
-    std::string script = ScriptOf(Head());
-    for (const std::string& line : Lines(DefaultStyles)) {
-        EXPECT_NE(script.find("    W.document.writeln('" + line + "');\n"), std::string::npos)
-            << line;
-    }
-}
-
-TEST_F(PageTest, LibraryFunctionsInOrderAndShape) {
-    std::vector<std::string> names;
-    std::vector<std::string> lines = Lines(ScriptOf(Head()));
-    bool inBody = false;
-    for (size_t i = 0; i < lines.size(); ++i) {
-        const std::string& line = lines[i];
-        if (!inBody) {
-            ASSERT_EQ(line.rfind("function ", 0), 0u) << "line " << i << ": " << line;
-            names.push_back(line.substr(9, line.find('(') - 9));
-            ASSERT_LT(i + 1, lines.size());
-            ASSERT_EQ(lines[++i], "{");
-            inBody = true;
-        } else if (line == "}") {
-            inBody = false;
-        } else {
-            // Body lines are indented by whole levels of four blanks.
-            size_t indent = line.find_first_not_of(' ');
-            EXPECT_TRUE(indent != std::string::npos && indent >= 4 && indent % 4 == 0)
-                << "line " << i << ": " << line;
-        }
-    }
-    EXPECT_FALSE(inBody);
-    const std::vector<std::string> want = {"Pad2",
-                                           "LogEntry",
-                                           "DateEntry",
-                                           "InvalidDate",
-                                           "Now",
-                                           "GetDate",
-                                           "ConvertDate",
-                                           "DocHead",
-                                           "DocFoot",
-                                           "LocalDate",
-                                           "InsertLocalDate2",
-                                           "CheckDisabled",
-                                           "CheckDisabled3",
-                                           "NowOnly",
-                                           "NumericCheck",
-                                           "CommentChecked",
-                                           "SimpleMove",
-                                           "RadioMove",
-                                           "PasswordCompare"};
-    EXPECT_EQ(names, want);
-}
-
+// Translated texts and the disabled tag go into the scripts as they stand, a
+// quote in them breaking the script: kept, as the pages always did.
 TEST_F(PageTest, LibraryCarriesTranslatedTextsUnescaped) {
-    lxrtest::UseCatalogue({{"KV-LXR-12047", "janv."},
-                           {"KV-LXR-12083", "mer."},
-                           {"KV-LXR-12059",
+    lxrtest::UseCatalogue({{"KV-LXR-12059",
                             "Date d'entr\xc3\xa9"
-                            "e"},
-                           {"KV-LXR-12022", "bgcolor=\"#fff\""}});
+                            "e"}});
     tagDisabled = "Blocked <b>now</b>";
     std::string script = ScriptOf(Head());
-    const char* expected[] = {
-        "new Array('janv.', 'Feb', 'Mar', 'Apr', 'May', 'Jun',\n        'Jul', 'Aug',",
-        "alert('[KV-LXR-12059] Date d'entr\xc3\xa9"
-        "e');",  // breaks the script, as required
-        "alert('This field must be blank or contain only digits.');",
-        "alert('[KV-LXR-12016] This field must be blank.');",
-        "alert('When not resetting the password, this field must be blank.');",
-        "alert('When resetting the password, this field cannot be blank.');",
-        "alert('[KV-LXR-15010] New and Confirm passwords do not match!');",
-        "I.title = 'Blocked <b>now</b>';",
-        "var S = LocalDate('mer., 5 janv. 2005 10:20:30 GMT');",
-        "leftmargin=\"0\" topmargin=\"0\" bgcolor=\"#fff\">');",
-    };
-    for (const char* text : expected) EXPECT_NE(script.find(text), std::string::npos) << text;
-}
-
-TEST_F(PageTest, BodyFooterAndFocus) {
-    EXPECT_EQ(lxrtest::CaptureStdout(DoBody), "<body  >\n");
-    lxrtest::UseCatalogue({{"KV-LXR-12023", "<div>Test site</div>"}});
-    EXPECT_EQ(lxrtest::CaptureStdout(DoBody), "<body  >\n<div>Test site</div>\n");
-    EXPECT_EQ(lxrtest::CaptureStdout(HTMLFooter), "</body>\n</html>\n");
-    std::string focus = lxrtest::CaptureStdout(SetFocus);
-    const std::string start =
-        "\n<!-- ************************************************************** -->\n"
-        "<!-- * Set the focus on the first visible, editable input field   * -->\n"
-        "<!-- * on the form.                                               * -->\n"
-        "<!-- ************************************************************** -->\n"
-        "\n<SCRIPT LANGUAGE=\"JavaScript\">\n<!--\n";
-    EXPECT_EQ(focus.substr(0, start.size()), start);
-    const std::string end = "}\n//-->\n</SCRIPT>\n";
-    ASSERT_GE(focus.size(), end.size());
-    EXPECT_EQ(focus.substr(focus.size() - end.size()), end);
+    EXPECT_NE(script.find("alert('[KV-LXR-12059] Date d'entr\xc3\xa9"
+                          "e');"),
+              std::string::npos);
+    EXPECT_NE(script.find("I.title = 'Blocked <b>now</b>';"), std::string::npos);
 }
 
 // Runs `script` with node; the exit status is 0 when it ran and found nothing
