@@ -139,15 +139,16 @@ TEST_F(DatesTest, DateSomethingRendersDateAndRest) {
         {"garbage", "<span class=\"INNERPROMPT\">Comment:&nbsp;</span>garbage\n"},
     };
     for (const Row& row : rows) {
-        EXPECT_EQ(Captured([&] { DateSomething(row.value, tagComment.c_str()); }), row.expected)
+        EXPECT_EQ(CaptureStdout([&] { DateSomething(row.value, tagComment.c_str()); }),
+                  row.expected)
             << row.value;
     }
-    EXPECT_EQ(Captured([] { DateSomething(nullptr, "x"); }), "Not&nbsp;Set\n");
+    EXPECT_EQ(CaptureStdout([] { DateSomething(nullptr, "x"); }), "Not&nbsp;Set\n");
 }
 
 TEST_F(DatesTest, DateSomethingOmitsEmptyLocalLabel) {
     tagLocal.clear();
-    EXPECT_EQ(Captured([] { DateSomething("20050105102030Z", "x"); }),
+    EXPECT_EQ(CaptureStdout([] { DateSomething("20050105102030Z", "x"); }),
               "<span class=\"INNERPROMPT\">When:&nbsp;</span>\n<SCRIPT LANGUAGE=\"JavaScript\">\n"
               "<!--\n    document.write(LocalDate('Wed, 5 Jan 2005 10:20:30 GMT'));\n//-->\n"
               "</SCRIPT>\n");
@@ -174,9 +175,9 @@ TEST_F(DatesTest, SomethingDateSomethingRendersWordDateAndRest) {
         {"x 20050105102030Z", "", "x" + when + Local(kWed)},
     };
     for (const Row& row : rows) {
-        EXPECT_EQ(
-            Captured([&] { outSomethingDateSomething(row.value, row.firstLabel, tagIP.c_str()); }),
-            row.expected)
+        EXPECT_EQ(CaptureStdout(
+                      [&] { outSomethingDateSomething(row.value, row.firstLabel, tagIP.c_str()); }),
+                  row.expected)
             << row.value;
     }
 }

@@ -26,7 +26,7 @@ struct Row {
 
 void Check(const Row* begin, const Row* end) {
     for (const Row* row = begin; row != end; ++row) {
-        EXPECT_EQ(Captured([&] { row->handler(row->value, 0, true, true); }), row->expected)
+        EXPECT_EQ(CaptureStdout([&] { row->handler(row->value, 0, true, true); }), row->expected)
             << row->value;
     }
 }
@@ -119,16 +119,17 @@ TEST_F(DisplayTest, GenRedirectTable) {
         "<tr>\n<td nowrap><span class=\"INNERPROMPT\">NOEQ&nbsp;</span></td>\n"
         "<td align=\"center\" nowrap></td>\n<td></td>\n<td></td>\n</tr>\n";
     const char* value = "PWD=http://x/?a=b 20050105102030Z 10.1.1.1 note dropped";
-    EXPECT_EQ(Captured([&] { outGenRedirect(value, 0, true, true); }),
+    EXPECT_EQ(CaptureStdout([&] { outGenRedirect(value, 0, true, true); }),
               kRedirectHead + dated + "</table>\n");
-    EXPECT_EQ(Captured([&] { outGenRedirect(value, 0, true, false); }), kRedirectHead + dated);
-    EXPECT_EQ(Captured([] { outGenRedirect("NOEQ", 1, false, true); }), undated + "</table>\n");
-    EXPECT_EQ(Captured([] { outGenRedirect(" ", -1, true, true); }), "Not&nbsp;Set\n");
+    EXPECT_EQ(CaptureStdout([&] { outGenRedirect(value, 0, true, false); }), kRedirectHead + dated);
+    EXPECT_EQ(CaptureStdout([] { outGenRedirect("NOEQ", 1, false, true); }),
+              undated + "</table>\n");
+    EXPECT_EQ(CaptureStdout([] { outGenRedirect(" ", -1, true, true); }), "Not&nbsp;Set\n");
 }
 
 TEST_F(DisplayTest, GenRedirectKeyIsItsOwnMessageKey) {
     Lang = GetLanguage("LXRAdmin", "", nullptr, true);
-    std::string out = Captured([] { outGenRedirect("PWD=t", 0, false, false); });
+    std::string out = CaptureStdout([] { outGenRedirect("PWD=t", 0, false, false); });
     delete Lang;
     EXPECT_EQ(out,
               "<tr>\n<td nowrap><span class=\"INNERPROMPT\">[PWD] PWD&nbsp;</span></td>\n"

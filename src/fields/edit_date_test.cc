@@ -69,7 +69,8 @@ TEST_F(EditDateTest, ResetToNowOffersCurrentValueAndNow) {
         ClearLists();
         SetZone(row.zone);
         Finisher result = nullptr;
-        std::string out = Captured([&] { result = row.handler("B", row.value, 0, true, true); });
+        std::string out =
+            CaptureStdout([&] { result = row.handler("B", row.value, 0, true, true); });
         EXPECT_EQ(ReadRadios(out), row.radios) << row.value;
         if (row.radios.empty()) {
             EXPECT_EQ(out, "Not&nbsp;Set\n");
@@ -127,7 +128,7 @@ TEST_F(EditDateTest, ScheduleHandlersCheckTheMatchingChoice) {
     };
     for (const Row& row : rows) {
         ClearLists();
-        std::string out = Captured([&] { row.handler(row.name, row.value, 0, true, true); });
+        std::string out = CaptureStdout([&] { row.handler(row.name, row.value, 0, true, true); });
         EXPECT_EQ(ReadRadios(out), row.radios) << row.value;
         std::string entry = "    DateEntry('" + std::string(row.name) + "', '";
         EXPECT_EQ(Between(out, entry, "', "), row.date) << row.value;

@@ -16,7 +16,7 @@ TEST_F(EditMultiTest, HistoryShowsEntriesAndOneClearBox) {
     const char* entries[] = {"20050105102030Z FAILED 10.1.1.1", "SUCCESS 1.2.3.4",
                              "20050105102030Z"};
     std::vector<Finisher> results;
-    std::string out = Captured([&] {
+    std::string out = CaptureStdout([&] {
         for (int i = 0; i < 3; ++i)
             results.push_back(inHistory("H", entries[i], i, i == 0, i == 2));
         results.back()("H", 3);
@@ -41,7 +41,7 @@ TEST_F(EditMultiTest, HistoryShowsEntriesAndOneClearBox) {
 }
 
 TEST_F(EditMultiTest, EmptyHistoryOffersNothingToClear) {
-    std::string out = Captured([] {
+    std::string out = CaptureStdout([] {
         Finisher finish = inHistory("H", "", -1, true, true);
         if (finish != nullptr) finish("H", 0);
     });
@@ -103,7 +103,7 @@ TEST_F(EditMultiTest, RedirectRowsAndCopyStatements) {
     for (const Row& row : rows) {
         ClearLists();
         Finisher result = ResetHistory;
-        EXPECT_EQ(Captured([&] {
+        EXPECT_EQ(CaptureStdout([&] {
                       result = inGenRedirect("R", row.value, row.index, row.first, row.last);
                   }),
                   row.output)
@@ -116,7 +116,7 @@ TEST_F(EditMultiTest, RedirectRowsAndCopyStatements) {
 
 TEST_F(EditMultiTest, EmptyRedirectShowsNotSet) {
     Finisher result = ResetHistory;
-    EXPECT_EQ(Captured([&] { result = inGenRedirect("R", " ", -1, true, true); }),
+    EXPECT_EQ(CaptureStdout([&] { result = inGenRedirect("R", " ", -1, true, true); }),
               "Not&nbsp;Set\n");
     EXPECT_EQ(result, nullptr);
     EXPECT_TRUE(DataMoves.empty());

@@ -97,7 +97,7 @@ TEST_F(EditSimpleTest, SingleControlHandlers) {
     for (const Row& row : rows) {
         ClearLists();
         Finisher result = NotCalled;
-        EXPECT_EQ(Captured([&] { result = row.handler("IC", row.value, 0, true, true); }),
+        EXPECT_EQ(CaptureStdout([&] { result = row.handler("IC", row.value, 0, true, true); }),
                   row.output)
             << row.value;
         EXPECT_EQ(result, nullptr);
@@ -134,7 +134,7 @@ TEST_F(EditSimpleTest, DaysOverrideSelectsOneOption) {
         {"400 long", {}, "long"},
     };
     for (const DaysRow& row : rows) {
-        std::string out = Captured([&] { inDaysOverride("D", row.value, 0, true, true); });
+        std::string out = CaptureStdout([&] { inDaysOverride("D", row.value, 0, true, true); });
         EXPECT_EQ(SelectedLines(out), row.selected) << row.value;
         std::string tail =
             "</SELECT>\n<span class=\"INNERPROMPT\">&nbsp;&nbsp;Comment:&nbsp;</span>"
@@ -146,7 +146,7 @@ TEST_F(EditSimpleTest, DaysOverrideSelectsOneOption) {
 }
 
 TEST_F(EditSimpleTest, DaysOverrideListsDaysAndWeeks) {
-    std::string out = Captured([] { inDaysOverride("D", "", 0, true, true); });
+    std::string out = CaptureStdout([] { inDaysOverride("D", "", 0, true, true); });
     EXPECT_EQ(out.rfind("<SELECT NAME=\"D_DAYS\" SIZE=\"1\">\n<OPTION VALUE=\"\" SELECTED>", 0),
               0u);
     size_t options = 0;
