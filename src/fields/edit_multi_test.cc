@@ -53,48 +53,35 @@ TEST_F(EditMultiTest, EmptyHistoryOffersNothingToClear) {
     EXPECT_TRUE(DataMoves.empty());
 }
 
-const std::string kHead =
-    "<table width=\"100%\">\n<thead>\n<th width=\"1%\">Clear</th>\n"
-    "<th width=\"1%\"></th>\n<th width=\"1%\"></th>\n"
-    "<th align=\"center\" width=\"1%\">When:</th>\n<th align=\"center\" width=\"1%\">IP:</th>\n"
-    "<th>Comment:</th>\n</thead>\n";
-
+// The rows' whole markup stands in the golden display pages (sybil); here the
+// table opened by the first entry and closed by the last, the key and target
+// read from the entry, and the copy statement of each row's index.
 TEST_F(EditMultiTest, RedirectRowsAndCopyStatements) {
     struct Row {
         const char* value;
         int index;
         bool first, last;
-        std::string output;
+        const char* cells;  // the key and target cells
         std::string move;
     };
     const Row rows[] = {
         // One entry: the table opens and closes, the script is unindexed.
         {" PWD=http://x/ 20050105102030Z 10.1.1.1 note more", 0, true, true,
-         kHead + "<tr>\n<td nowrap align=\"center\"><INPUT TYPE=\"CHECKBOX\" NAME=\"R\"></td>\n"
-                 "<td nowrap><span class=\"INNERPROMPT\">PWD&nbsp;</span></td>\n"
-                 "<td align=\"center\" nowrap>http://x/</td>\n<td nowrap>\n"
-                 "<SCRIPT LANGUAGE=\"JavaScript\">\n<!--\n"
-                 "    InsertLocalDate2('Wed, 5 Jan 2005 10:20:30 GMT');\n//-->\n</SCRIPT>\n</td>\n"
-                 "<td>10.1.1.1</td>\n<td>note</td>\n</tr>\n</table>\n",
+         "PWD&nbsp;</span></td>\n<td align=\"center\" nowrap>http://x/</td>",
          "if (document.DisplayForm.elements['R'].checked)\n"
          "        document.PostForm.elements['R'].value = 'PWD=0';\n"
          "    else\n"
          "        document.PostForm.elements['R'].value = 'PWD=http://x/ 20050105102030Z "
          "10.1.1.1 note more';\n"},
         // Several entries: each row addresses its own index.
-        {"A=a", 0, true, false,
-         kHead + "<tr>\n<td nowrap align=\"center\"><INPUT TYPE=\"CHECKBOX\" NAME=\"R\"></td>\n"
-                 "<td nowrap><span class=\"INNERPROMPT\">A&nbsp;</span></td>\n"
-                 "<td align=\"center\" nowrap>a</td>\n<td></td>\n<td></td>\n</tr>\n",
+        {"A=a", 0, true, false, "A&nbsp;</span></td>\n<td align=\"center\" nowrap>a</td>",
          "if (document.DisplayForm.elements['R'][0].checked)\n"
          "        document.PostForm.elements['R'][0].value = 'A=0';\n"
          "    else\n"
          "        document.PostForm.elements['R'][0].value = 'A=a';\n"},
         // No "=": the whole first word is the key, the target cell is empty.
         {"NOEQ notadate", 1, false, true,
-         "<tr>\n<td nowrap align=\"center\"><INPUT TYPE=\"CHECKBOX\" NAME=\"R\"></td>\n"
-         "<td nowrap><span class=\"INNERPROMPT\">NOEQ&nbsp;</span></td>\n"
-         "<td align=\"center\" nowrap></td>\n<td></td>\n<td></td>\n</tr>\n</table>\n",
+         "NOEQ&nbsp;</span></td>\n<td align=\"center\" nowrap></td>\n<td></td>",
          "if (document.DisplayForm.elements['R'][1].checked)\n"
          "        document.PostForm.elements['R'][1].value = 'NOEQ=0';\n"
          "    else\n"
@@ -103,11 +90,11 @@ TEST_F(EditMultiTest, RedirectRowsAndCopyStatements) {
     for (const Row& row : rows) {
         ClearLists();
         Finisher result = ResetHistory;
-        EXPECT_EQ(CaptureStdout([&] {
-                      result = inGenRedirect("R", row.value, row.index, row.first, row.last);
-                  }),
-                  row.output)
-            << row.value;
+        std::string out = CaptureStdout(
+            [&] { result = inGenRedirect("R", row.value, row.index, row.first, row.last); });
+        EXPECT_EQ(out.rfind("<table", 0) == 0, row.first) << out;
+        EXPECT_EQ(out.size() > 9 && out.substr(out.size() - 9) == "</table>\n", row.last) << out;
+        EXPECT_NE(out.find(row.cells), std::string::npos) << out;
         EXPECT_EQ(result, nullptr);  // the caller records each entry's hidden field
         EXPECT_EQ(DataMoves, Lines{row.move}) << row.value;
         EXPECT_TRUE(OutputFields.empty());
