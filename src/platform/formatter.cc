@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <cstring>
+#include <string_view>
 
 CKvFormatter prtFormatter;
 
@@ -27,11 +28,60 @@ long long NumberOf(const CpaArg* arg) {
     return (arg && !arg->isText) ? arg->number : 0;
 }
 
+// The parts of a conversion, tested with switches rather than strchr over a
+// set: a page has thousands of conversions, and a library call per character
+// was most of the time spent formatting them.
+bool IsFlag(char c) {
+    switch (c) {
+        case '-':
+        case '+':
+        case ' ':
+        case '#':
+        case '0':
+            return true;
+        default:
+            return false;
+    }
+}
+
+bool IsDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+bool IsLengthModifier(char c) {
+    switch (c) {
+        case 'l':
+        case 'h':
+        case 'z':
+        case 'j':
+        case 't':
+        case 'q':
+            return true;
+        default:
+            return false;
+    }
+}
+
+bool IsConversion(char c) {
+    switch (c) {
+        case 's':
+        case 'd':
+        case 'i':
+        case 'u':
+        case 'x':
+        case 'X':
+        case 'o':
+        case 'c':
+            return true;
+        default:
+            return false;
+    }
+}
+
 // Formats one conversion. `flags` holds flags, width and precision as
 // written; the C type is chosen here, so the caller's length modifier only
 // decides the width of the unsigned conversions (`wide`).
-void FormatOne(std::string& out, const std::string& flags, bool wide, char conv,
-               const CpaArg* arg) {
+void FormatOne(std::string& out, std::string_view flags, bool wide, char conv, const CpaArg* arg) {
     // The common plain conversions are appended without the C library: a page
     // holds thousands of them (every option of the day lists is one).
     if (flags.empty()) {
@@ -46,7 +96,8 @@ void FormatOne(std::string& out, const std::string& flags, bool wide, char conv,
             return;
         }
     }
-    std::string spec = "%" + flags;
+    std::string spec = "%";
+    spec.append(flags);
     switch (conv) {
         case 's': {
             std::string text;
@@ -103,22 +154,24 @@ void FormatArgs(std::string& out, const char* format, const CpaArgList& args) {
             ++p;
             continue;
         }
-        std::string flags;
-        while (*p && std::strchr("-+ #0", *p)) flags += *p++;
-        while (*p >= '0' && *p <= '9') flags += *p++;
+        // Flags, width and precision as written, then any length modifiers.
+        const char* flagsStart = p;
+        while (IsFlag(*p)) ++p;
+        while (IsDigit(*p)) ++p;
         if (*p == '.') {
-            flags += *p++;
-            while (*p >= '0' && *p <= '9') flags += *p++;
+            ++p;
+            while (IsDigit(*p)) ++p;
         }
+        std::string_view flags(flagsStart, static_cast<size_t>(p - flagsStart));
         bool wide = false;
-        while (*p && std::strchr("lhzjtq", *p)) wide = wide || (*p++ != 'h');
+        while (IsLengthModifier(*p)) wide = wide || (*p++ != 'h');
         char conv = *p;
         if (conv == '\0') {  // a format that ends inside a conversion
             out.append(start);
             break;
         }
         ++p;
-        if (!std::strchr("sdiuxXoc", conv)) {  // unknown conversion: copied as it stands
+        if (!IsConversion(conv)) {  // unknown conversion: copied as it stands
             out.append(start, static_cast<size_t>(p - start));
             continue;
         }
