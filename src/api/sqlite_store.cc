@@ -336,6 +336,15 @@ sqlite3_stmt* SqliteStore::Statement(const char* sql, Status* status) {
     return stmt;
 }
 
+bool SqliteStore::HeaderValue(const char* pragma, long long* value) {
+    sqlite3_stmt* stmt = nullptr;
+    if (sqlite3_prepare_v2(db_, pragma, -1, &stmt, nullptr) != SQLITE_OK) return false;
+    bool ok = sqlite3_step(stmt) == SQLITE_ROW;
+    if (ok) *value = sqlite3_column_int64(stmt, 0);
+    sqlite3_finalize(stmt);  // keeps the connection's message of a failed step
+    return ok;
+}
+
 Status SqliteStore::Exec(const char* sql) {
     if (sqlite3_exec(db_, sql, nullptr, nullptr, nullptr) != SQLITE_OK) return Error("failed");
     return Status::OK();
@@ -361,20 +370,20 @@ Status SqliteStore::Open(const std::string& path, int busyTimeoutMs,
     }
     std::unique_ptr<SqliteStore> s(new SqliteStore(path, db));
     s->SetBusyTimeout(busyTimeoutMs);
-    // One look at the header: our application id and schema version.
-    Status status;
-    {
-        Query q(*s,
-                "SELECT (SELECT application_id FROM pragma_application_id), "
-                "(SELECT user_version FROM pragma_user_version)");
-        if (!q.ok()) return OpenFailure(path, sqlite3_errmsg(db));
-        if (!q.Row(&status)) return OpenFailure(path, sqlite3_errmsg(db));
-        if (q.Int(0) != kApplicationId) return OpenFailure(path, "not an LXR directory store");
-        if (q.Int(1) != kSchemaVersion)
-            return OpenFailure(path, "schema version " + std::to_string(q.Int(1)) +
-                                         ", this library reads version " +
-                                         std::to_string(kSchemaVersion));
-    }
+    // Our application id and schema version, read from the file's header.
+    // Plain PRAGMAs rather than one SELECT over pragma_application_id and
+    // pragma_user_version: those table-valued functions set up a virtual
+    // table each, which cost more than opening the file, and a plain PRAGMA
+    // leaves reading the schema to the first query that needs it.
+    long long applicationId = 0, schemaVersion = 0;
+    if (!s->HeaderValue("PRAGMA application_id", &applicationId) ||
+        !s->HeaderValue("PRAGMA user_version", &schemaVersion))
+        return OpenFailure(path, sqlite3_errmsg(db));
+    if (applicationId != kApplicationId) return OpenFailure(path, "not an LXR directory store");
+    if (schemaVersion != kSchemaVersion)
+        return OpenFailure(path, "schema version " + std::to_string(schemaVersion) +
+                                     ", this library reads version " +
+                                     std::to_string(kSchemaVersion));
     *store = std::move(s);
     return Status::OK();
 }

@@ -49,6 +49,9 @@ class SqliteStore : public Store {
   private:
     SqliteStore(std::string path, sqlite3* db) : path_(std::move(path)), db_(db) {}
     Status Exec(const char* sql);
+    // Runs a PRAGMA that reads one number from the file's header; false if
+    // it cannot be read (the connection's message says why).
+    bool HeaderValue(const char* pragma, long long* value);
     Status RunTransaction(const char* begin, const std::function<Status()>& body);
 
     std::string path_;
