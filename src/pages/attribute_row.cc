@@ -8,6 +8,7 @@
 #include "fields/dates.h"
 #include "fields/display.h"
 #include "fields/edit_simple.h"
+#include "pages/page_parts.h"
 #include "pages/xml_reader.h"
 #include "platform/env.h"
 #include "platform/formatter.h"
@@ -130,14 +131,7 @@ void WriteAttributeRow(const AttributeElement& attribute, const RowHandlers& han
     prtFormatter.printf("%s", "<td width=\"1%\" valign=\"top\">\n");
     WritePicture(attribute);
     prtFormatter.printf("</td>\n");
-    if (label[0] != '\0') {
-        prtFormatter.printf("<td width=\"1\" valign=\"top\">\n");
-        prtFormatter.printf("<span class=\"PROMPT\">%s</span>\n", label);
-        prtFormatter.printf("</td>\n");
-        prtFormatter.printf("<td valign=\"top\">\n");
-    } else {
-        prtFormatter.printf("<td colspan=\"2\" valign=\"top\">\n");
-    }
+    WriteLabelCell(label);
     prtFormatter.printf("<nobr><span class=\"DATADISPLAY\">");
     if (handlers.detail) OpenDetailScript(name);
 

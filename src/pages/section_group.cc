@@ -3,6 +3,7 @@
 #include "cgi/fields.h"
 #include "fields/field_model.h"
 #include "i18n/language.h"
+#include "pages/page_parts.h"
 #include "pages/user_display.h"
 #include "pages/xml_reader.h"
 #include "platform/formatter.h"
@@ -137,14 +138,7 @@ void WriteGroupRow(const GroupElement& group) {
     char label[kLabelSize];
     MakeLabel(label, sizeof label, group.prompt,
               group.reasoncode.empty() ? group.name : group.reasoncode);
-    if (label[0] != '\0') {
-        prtFormatter.printf("<td width=\"1\" valign=\"top\">\n");
-        prtFormatter.printf("<span class=\"PROMPT\">%s</span>\n", label);
-        prtFormatter.printf("</td>\n");
-        prtFormatter.printf("<td valign=\"top\">\n");
-    } else {
-        prtFormatter.printf("<td colspan=\"2\" valign=\"top\">\n");
-    }
+    WriteLabelCell(label);
 
     if (group.write && group.read) {
         WriteCheckbox(group);

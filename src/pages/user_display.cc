@@ -12,6 +12,7 @@
 #include "i18n/language.h"
 #include "pages/attribute_row.h"
 #include "pages/elements.h"
+#include "pages/page_parts.h"
 #include "pages/section_group.h"
 #include "platform/env.h"
 #include "platform/formatter.h"
@@ -61,14 +62,7 @@ void WriteHead() {
     Lang->Translate(text, sizeof text, "KV-LXR-12043", "User Information");
     prtFormatter.printf(R"(<FORM METHOD="POST" NAME="DisplayForm" OnSubmit="return SubmitForm();">
 )");
-    prtFormatter.printf("%s",
-                        R"(<table width="100%" height="75%"><tr><td valign="middle" align="center">
-<table class="DIALOGBOX">
-<tr><td class="TITLEBOX">
-)");
-    prtFormatter.printf("<span class=\"TITLE\">%s</span>\n", text);
-    prtFormatter.printf("</td></tr>\n");
-    prtFormatter.printf("<tr><td><table class=\"DISPLAYINNERBOX\">\n");
+    WriteDialogOpen(text, "DISPLAYINNERBOX");
 }
 
 // The reasons as the API words them, each comma a line-break opportunity.

@@ -1,3 +1,4 @@
+#include "pages/page_parts.h"
 #include "pages/user_selection.h"
 
 #include "cgi/fields.h"
@@ -116,14 +117,7 @@ void UserSelection(const char* document) {
                             table.begin()->second);
     }
     Lang->Translate(text, sizeof text, "KV-LXR-12000", "Enter User Specification");
-    prtFormatter.printf("%s",
-                        R"(<table width="100%" height="75%"><tr><td valign="middle" align="center">
-<table class="DIALOGBOX">
-<tr><td class="TITLEBOX">
-)");
-    prtFormatter.printf("<span class=\"TITLE\">%s</span>\n", text);
-    prtFormatter.printf("</td></tr>\n");
-    prtFormatter.printf("<tr><td><table class=\"SELECTINNERBOX\">\n");
+    WriteDialogOpen(text, "SELECTINNERBOX");
     if (table.size() > 1) WriteDirectoryRow(table, text);
     WriteUserRow(text);
     WriteButtonRow(text);

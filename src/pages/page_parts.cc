@@ -1,0 +1,25 @@
+#include "pages/page_parts.h"
+
+#include "platform/formatter.h"
+
+void WriteDialogOpen(const char* title, const char* innerClass) {
+    prtFormatter.printf("%s",
+                        R"(<table width="100%" height="75%"><tr><td valign="middle" align="center">
+<table class="DIALOGBOX">
+<tr><td class="TITLEBOX">
+)");
+    prtFormatter.printf("<span class=\"TITLE\">%s</span>\n", title);
+    prtFormatter.printf("</td></tr>\n");
+    prtFormatter.printf("<tr><td><table class=\"%s\">\n", innerClass);
+}
+
+void WriteLabelCell(const char* label) {
+    if (label[0] != '\0') {
+        prtFormatter.printf("<td width=\"1\" valign=\"top\">\n");
+        prtFormatter.printf("<span class=\"PROMPT\">%s</span>\n", label);
+        prtFormatter.printf("</td>\n");
+        prtFormatter.printf("<td valign=\"top\">\n");
+    } else {
+        prtFormatter.printf("<td colspan=\"2\" valign=\"top\">\n");
+    }
+}
