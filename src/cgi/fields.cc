@@ -198,6 +198,21 @@ void ParseQueryString(const char* query) {
     if (!name.empty()) Args[name] = URLDecode(value.c_str());
 }
 
+std::string ReturnQuery() {
+    std::string query;
+    for (const auto& [name, value] : Args) {
+        if (strcasecmp(name.c_str(), "USERDIR") == 0 || strcasecmp(name.c_str(), "USER") == 0)
+            continue;
+        query += query.empty() ? "?" : "&";
+        query += name;
+        if (!value.empty()) {
+            query += "=";
+            query += value;
+        }
+    }
+    return query;
+}
+
 void GetFields() {
     // Kept for the life of the process, like the rest of the request.
     static std::vector<char> body;

@@ -66,3 +66,9 @@ void ParseQueryString(const char* query);
 // "application/x-www-form-urlencoded" without regard to case; a type with
 // parameters counts as another type and its values are stored as posted.
 void GetFields();
+
+// The query that leads back to the selection page: every argument of Args
+// but USERDIR and USER, in map order, "?" before the first and "&" before the
+// others, each "name" or "name=value" as decoded (not re-encoded, as the
+// pages have always written it). "" when no other argument exists.
+std::string ReturnQuery();

@@ -134,26 +134,6 @@ int GetFlow(const char* query, const char* identity, const std::string& adminPat
     return 0;
 }
 
-// The query to come back with: every argument but USERDIR and USER, in map
-// order, as decoded (not re-encoded), "name" or "name=value".
-std::string ReturnQuery() {
-    std::string query;
-    bool first = true;
-    for (const auto& [name, value] : Args) {
-        if (strcasecmp(name.c_str(), "USERDIR") == 0 || strcasecmp(name.c_str(), "USER") == 0) {
-            continue;
-        }
-        query += first ? "?" : "&";
-        first = false;
-        query += name;
-        if (!value.empty()) {
-            query += "=";
-            query += value;
-        }
-    }
-    return query;
-}
-
 // The short page after a successful write: an alert with the message, then
 // back to where the administrator came from. Nothing is escaped: the message
 // and the address go into the script and the link as they are.

@@ -99,19 +99,7 @@ void WriteDisabledRow() {
 // arguments but the user and directory, neither of them URL-encoded.
 std::string SelectionTarget() {
     const char* script = CKvGetEnv("SCRIPT_NAME").c_str();
-    std::string target = script != nullptr ? script : "";
-    bool firstArg = true;
-    for (const auto& arg : Args) {
-        if (strcasecmp(arg.first.c_str(), "USERDIR") == 0 ||
-            strcasecmp(arg.first.c_str(), "USER") == 0) {
-            continue;
-        }
-        target += firstArg ? "?" : "&";
-        firstArg = false;
-        target += arg.first;
-        if (!arg.second.empty()) target += "=" + arg.second;
-    }
-    return target;
+    return std::string(script != nullptr ? script : "") + ReturnQuery();
 }
 
 void WriteButtons() {
