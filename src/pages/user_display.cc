@@ -1,7 +1,5 @@
 #include "pages/user_display.h"
 
-#include <strings.h>
-
 #include <cctype>
 
 #include "cgi/fields.h"
