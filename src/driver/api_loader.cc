@@ -10,13 +10,16 @@
 #include <string>
 
 #include "lxrapi.h"
+#include "platform/system.h"
 
+// The library's SONAME: what an installation puts in the library path.
 #ifndef LXRAPI_LIBRARY
-#define LXRAPI_LIBRARY "libLXRAPI.so"
+#define LXRAPI_LIBRARY "libLXRAPI.so.0"
 #endif
-// Where the build put the library; tried when the search by name fails.
-#ifndef LXRAPI_BUILD_PATH
-#define LXRAPI_BUILD_PATH ""
+// Set only in sanitizer builds: the library's folder relative to the
+// executable's, tried when the search by name fails.
+#ifndef LXRAPI_FROM_EXECUTABLE
+#define LXRAPI_FROM_EXECUTABLE ""
 #endif
 
 namespace {
@@ -41,10 +44,11 @@ struct Library {
 
 // Loaded once per process and never closed, with lazy binding: a request
 // calls a small part of the library and its dependencies.
-// The library is looked for by
-// name, as the dynamic linker finds one (LD_LIBRARY_PATH, the executable's
-// run path, the system directories), then where the build put it: a
-// sanitizer's interception of dlopen hides the executable's run path.
+// The library is looked for by name, as the dynamic linker finds one
+// (LD_LIBRARY_PATH, the executable's run path, which in the build tree is
+// relative to the executable, the system directories). A sanitizer's
+// interception of dlopen hides the executable's run path, so such a build
+// also tries the build tree's folder relative to the executable.
 const Library& Load() {
     static const Library library = [] {
         Library l;
@@ -52,8 +56,11 @@ const Library& Load() {
         if (handle == nullptr) {
             const char* why = dlerror();
             l.error = why ? why : LXRAPI_LIBRARY;
-            if (*LXRAPI_BUILD_PATH != '\0')
-                handle = dlopen(LXRAPI_BUILD_PATH, RTLD_LAZY | RTLD_LOCAL);
+            std::string beside = ExecutableDirectory();
+            if (*LXRAPI_FROM_EXECUTABLE != '\0' && !beside.empty()) {
+                beside += "/" LXRAPI_FROM_EXECUTABLE "/" LXRAPI_LIBRARY;
+                handle = dlopen(beside.c_str(), RTLD_LAZY | RTLD_LOCAL);
+            }
             if (handle == nullptr) return l;
             l.error.clear();
         }

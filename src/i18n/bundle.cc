@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "i18n/locale_list.h"
+#include "platform/system.h"
 
 namespace {
 
@@ -110,13 +111,8 @@ std::string CatalogueKey(const char* key) {
 std::string CatalogueDirectory() {
     const char* named = std::getenv("LXRADMIN_CATALOGUE");
     if (named && *named) return named;
-    char path[4096];
-    ssize_t n = readlink("/proc/self/exe", path, sizeof path - 1);
-    if (n <= 0) return std::string();
-    std::string exe(path, static_cast<size_t>(n));
-    size_t slash = exe.rfind('/');
-    if (slash == std::string::npos) return std::string();
-    return exe.substr(0, slash + 1) + "catalogue";
+    std::string exe = ExecutableDirectory();
+    return exe.empty() ? exe : exe + "/catalogue";
 }
 
 std::string ChooseCatalogueLocale(const std::string& directory, const char* bundleName,
