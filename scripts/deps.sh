@@ -12,6 +12,9 @@ PACKAGES=(
 )
 if [ "${LXR_WITH_BROWSER:-0}" = 1 ]; then
   PACKAGES+=(chromium nodejs apache2)
+  # The package test: building the Debian packages, lintian, and serving the
+  # installed program through Apache.
+  PACKAGES+=(debhelper dpkg-dev lintian apache2-utils curl man-db)
   # NodeSource's nodejs carries its own npm and conflicts with Debian's npm package.
   command -v npm >/dev/null 2>&1 || PACKAGES+=(npm)
 fi
