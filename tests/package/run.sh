@@ -29,15 +29,20 @@ STATE=/var/lib/lxradmin
 RUN=$(mktemp -d /tmp/lxr-package.XXXXXX)
 chmod 0755 "$RUN"
 modules_before=$(ls /etc/apache2/mods-enabled/)
+apache_state_before=$(find /var/lib/apache2 -type f 2>/dev/null | sort)
 
 cleanup() {
   [ -f "$RUN/httpd.pid" ] && kill "$(cat "$RUN/httpd.pid")" 2>/dev/null
   dpkg --purge "${PACKAGES[@]}" >/dev/null 2>&1 || true
-  # The modules the package enabled, and nothing else, are disabled again.
+  # The modules the package enabled, and nothing else, are disabled again,
+  # as a package would (-m), and the helper's records of them are dropped,
+  # so that the next installation enables them again.
   for link in /etc/apache2/mods-enabled/*.load; do
     name=$(basename "$link" .load)
-    grep -qx "$name.load" <<<"$modules_before" || a2dismod -q -f "$name" >/dev/null 2>&1 || true
+    grep -qx "$name.load" <<<"$modules_before" || a2dismod -q -m -f "$name" >/dev/null 2>&1 || true
   done
+  find /var/lib/apache2 -type f 2>/dev/null | sort | comm -13 <(echo "$apache_state_before") - |
+    while read -r record; do rm -f "$record"; done
   rm -rf "$STATE" "$RUN"
 }
 trap cleanup EXIT
@@ -55,7 +60,7 @@ dpkg_retry() {
 # 1. Build, and lintian: no error, no warning (overrides carry their reason).
 changes=$(DEB_BUILD_OPTIONS="noddebs ${DEB_BUILD_OPTIONS:-}" bash "$SOURCE/scripts/package.sh" --out "$OUT")
 echo "built: $(cd "$OUT" && ls ./*.deb | tr '\n' ' ')"
-lintian --fail-on error,warning --no-tag-display-limit "$changes" >"$RUN/lintian.log" 2>&1 ||
+lintian --fail-on error,warning --tag-display-limit 0 "$changes" >"$RUN/lintian.log" 2>&1 ||
   { cat "$RUN/lintian.log" >&2; fail "lintian"; }
 sed 's/^/lintian: /' "$RUN/lintian.log"
 
@@ -93,7 +98,7 @@ for _ in $(seq 20); do
   (exec 3<>"/dev/tcp/127.0.0.1/$candidate") 2>/dev/null || { port=$candidate; break; }
 done
 [ -n "$port" ] || fail "no free port"
-mkdir -p "$RUN/www" "$RUN/logs"
+mkdir -p "$RUN/www" "$RUN/logs" "$RUN/socks"   # socks: the cgid module's socket
 cat >"$RUN/httpd.conf" <<CONF
 Define APACHE_RUN_DIR $RUN
 Define APACHE_LOCK_DIR $RUN
