@@ -2,8 +2,6 @@
 
 #include <dlfcn.h>
 
-#include <mutex>
-
 #include "loaded_library.h"
 
 namespace lxrapi {
@@ -45,13 +43,7 @@ bool Load(IcuLibrary* l, std::string* error) {
 }  // namespace
 
 const IcuLibrary* Icu(std::string* error) {
-    static std::once_flag once;
-    static IcuLibrary library;
-    static bool loaded = false;
-    static std::string failure;
-    std::call_once(once, [] { loaded = Load(&library, &failure); });
-    if (!loaded) *error = failure;
-    return loaded ? &library : nullptr;
+    return LoadOnce(&Load, error);
 }
 
 }  // namespace lxrapi

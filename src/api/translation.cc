@@ -80,11 +80,11 @@ class Bundle {
     // pattern cannot be used.
     bool Format(const std::u16string& pattern, const std::vector<std::string>& args,
                 std::string* out) const;
+    bool ToUtf8(const UChar* text, int32_t length, std::string* out) const;
     const std::string& locale() const { return locale_; }
 
   private:
     bool ToUtf16(const std::string& text, std::u16string* out) const;
-    bool ToUtf8(const UChar* text, int32_t length, std::string* out) const;
 
     const IcuLibrary& icu_;
     UResourceBundle* bundle_;
@@ -213,9 +213,17 @@ std::string Translator::operator()(const Text& text) const {
     const TextEntry& entry = TextTable()[static_cast<size_t>(text.say)];
     std::u16string pattern;
     std::string out;
-    if (bundle_ && bundle_->Pattern(entry.key, &pattern) &&
-        bundle_->Format(pattern, text.args, &out))
+    if (!bundle_) return InEnglish(text);
+    if (text.say == Say::AsConfigured) {
+        // A reason from the configuration may be translated under "#" and
+        // its text, as the program's catalogue translates configured prompts.
+        std::string key = CatalogueKey(("#" + text.args.at(0)).c_str());
+        if (bundle_->Pattern(key.c_str(), &pattern) &&
+            bundle_->ToUtf8(pattern.data(), static_cast<int32_t>(pattern.size()), &out))
+            return out;
+    } else if (bundle_->Pattern(entry.key, &pattern) && bundle_->Format(pattern, text.args, &out)) {
         return out;
+    }
     return InEnglish(text);
 }
 

@@ -5,6 +5,7 @@
 #include <dirent.h>
 #include <gtest/gtest.h>
 
+#include "config.h"
 #include "message.h"
 
 namespace lxrapi {
@@ -44,8 +45,12 @@ TEST(TranslationTest, CallerArgumentsChooseTheLanguage) {
         {"", "", Words(Say::NoUserNamed), "No user was named", ""},
         {nullptr, nullptr, Words(Say::NoUserNamed), "No user was named", ""},
         {"../../etc", "", Words(Say::NoUserNamed), "No user was named", ""},
-        // A configured reason is shown as written, whatever the language.
+        // A configured reason is shown as written unless a bundle has it.
         {"de", "de", Words(Say::AsConfigured, "Gesperrt {0} ’x'"), "Gesperrt {0} ’x'", "de"},
+        {"ja", "ja", Words(Say::AsConfigured, "Suspended by security"), "セキュリティにより停止",
+         "ja"},
+        {"EN", "US", Words(Say::AsConfigured, "Suspended by security"), "Suspended by security",
+         ""},
     };
     for (const Case& c : cases) {
         Translator words(c.language, c.country);
@@ -71,14 +76,28 @@ std::vector<std::string> BundleLocales() {
 
 // A translation must keep every argument (a misplaced apostrophe or brace
 // would swallow one), must need no repair by the last guard at the C
-// boundary, and a reason must hold no comma.
+// boundary, and a reason must hold no comma. The demo configuration's
+// reasons are translated too.
 TEST(TranslationTest, EveryTranslationKeepsItsArgumentsAndIsSafe) {
     std::vector<std::string> locales = BundleLocales();
     EXPECT_GE(locales.size(), 8u);
     const std::vector<std::string> args = {"'a1'", "'b2'", "'c3'", "'d4'"};
+    Config demo;
+    Status loaded = LoadConfig(std::string(LXR_SOURCE_DIR) + "/examples/lxrapi.toml", &demo);
+    ASSERT_TRUE(loaded.ok()) << loaded.message();
     for (const std::string& locale : locales) {
         Translator words(locale.c_str(), "");
         ASSERT_EQ(words.locale(), locale);
+        for (const DirectoryConfig& d : demo.directories) {
+            for (const GroupConfig& g : d.groups) {
+                if (g.reason.empty()) continue;
+                std::string said = words(Words(Say::AsConfigured, g.reason));
+                SCOPED_TRACE(locale + " " + g.reason + ": " + said);
+                EXPECT_NE(said, g.reason) << "untranslated";
+                EXPECT_EQ(SafeMessage(said), said);
+                EXPECT_EQ(said.find(','), std::string::npos);
+            }
+        }
         for (size_t i = 0; i < TextTable().size(); ++i) {
             const TextEntry& entry = TextTable()[i];
             std::string english = entry.english;

@@ -58,10 +58,6 @@ const char* IcuBundle::Lookup(const char* key) {
     return text.found ? text.utf8.c_str() : nullptr;
 }
 
-bool IsKeyByte(unsigned char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-';
-}
-
 // An application name is one plain directory name.
 bool IsApplicationName(const char* name) {
     if (name == nullptr || *name == '\0' || *name == '.') return false;
@@ -72,22 +68,6 @@ bool IsApplicationName(const char* name) {
 }
 
 }  // namespace
-
-std::string CatalogueKey(const char* key) {
-    static const char kHex[] = "0123456789ABCDEF";
-    std::string out;
-    for (const char* p = key ? key : ""; *p; ++p) {
-        unsigned char c = static_cast<unsigned char>(*p);
-        if (IsKeyByte(c)) {
-            out += *p;
-        } else {
-            out += '_';
-            out += kHex[c >> 4];
-            out += kHex[c & 15];
-        }
-    }
-    return out;
-}
 
 std::string CatalogueDirectory() {
     const char* named = std::getenv("LXRADMIN_CATALOGUE");

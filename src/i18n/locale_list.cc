@@ -160,3 +160,27 @@ std::string FirstLocaleWithFile(const std::string& tree, const std::vector<std::
     }
     return std::string();
 }
+
+namespace {
+
+bool IsKeyByte(unsigned char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-';
+}
+
+}  // namespace
+
+std::string CatalogueKey(const char* key) {
+    static const char kHex[] = "0123456789ABCDEF";
+    std::string out;
+    for (const char* p = key ? key : ""; *p; ++p) {
+        unsigned char c = static_cast<unsigned char>(*p);
+        if (IsKeyByte(c)) {
+            out += *p;
+        } else {
+            out += '_';
+            out += kHex[c >> 4];
+            out += kHex[c & 15];
+        }
+    }
+    return out;
+}

@@ -2,8 +2,6 @@
 
 #include <dlfcn.h>
 
-#include <mutex>
-
 #include "loaded_library.h"
 
 namespace lxrapi {
@@ -60,13 +58,7 @@ bool Load(LdapLibrary* l, std::string* error) {
 }  // namespace
 
 const LdapLibrary* Ldap(std::string* error) {
-    static std::once_flag once;
-    static LdapLibrary library;
-    static bool loaded = false;
-    static std::string failure;
-    std::call_once(once, [] { loaded = Load(&library, &failure); });
-    if (!loaded) *error = failure;
-    return loaded ? &library : nullptr;
+    return LoadOnce(&Load, error);
 }
 
 }  // namespace lxrapi
