@@ -16,34 +16,51 @@ namespace {
 constexpr const char* kCommon = "libicuuc.so." U_ICU_VERSION_SHORT;
 constexpr const char* kFormats = "libicui18n.so." U_ICU_VERSION_SHORT;
 
+#define LXR_FIND(field, symbol) \
+    ok = FindSymbol(handle, LXR_ICU_NAME(symbol), &l->field, &missing) && ok
+
 bool Load(IcuLibrary* l, std::string* error) {
-    void* common = dlopen(kCommon, RTLD_NOW | RTLD_LOCAL);
-    void* formats = common ? dlopen(kFormats, RTLD_NOW | RTLD_LOCAL) : nullptr;
-    if (!formats) {
-        *error = std::string(common ? kFormats : kCommon) + " cannot be loaded";
+    void* handle = dlopen(kCommon, RTLD_NOW | RTLD_LOCAL);
+    if (!handle) {
+        *error = std::string(kCommon) + " cannot be loaded";
         return false;
     }
     std::string missing;
     bool ok = true;
-#define LXR_FIND(handle, field, symbol) \
-    ok = FindSymbol(handle, LXR_ICU_NAME(symbol), &l->field, &missing) && ok
-    LXR_FIND(common, open, ures_open);
-    LXR_FIND(common, close, ures_close);
-    LXR_FIND(common, getStringByKey, ures_getStringByKey);
-    LXR_FIND(common, fromUTF8, u_strFromUTF8);
-    LXR_FIND(common, toUTF8, u_strToUTF8);
-    LXR_FIND(formats, msgOpen, umsg_open);
-    LXR_FIND(formats, msgClose, umsg_close);
-    LXR_FIND(formats, msgFormat, umsg_format);
-#undef LXR_FIND
+    LXR_FIND(open, ures_open);
+    LXR_FIND(close, ures_close);
+    LXR_FIND(getStringByKey, ures_getStringByKey);
+    LXR_FIND(fromUTF8, u_strFromUTF8);
+    LXR_FIND(toUTF8, u_strToUTF8);
     if (!ok) *error = "ICU lacks " + missing;
-    return ok;  // the handles stay open for the life of the process
+    return ok;  // the handle stays open for the life of the process
 }
+
+bool LoadFormats(IcuFormatLibrary* l, std::string* error) {
+    void* handle = dlopen(kFormats, RTLD_NOW | RTLD_LOCAL);
+    if (!handle) {
+        *error = std::string(kFormats) + " cannot be loaded";
+        return false;
+    }
+    std::string missing;
+    bool ok = true;
+    LXR_FIND(msgOpen, umsg_open);
+    LXR_FIND(msgClose, umsg_close);
+    LXR_FIND(msgFormat, umsg_format);
+    if (!ok) *error = "ICU lacks " + missing;
+    return ok;
+}
+
+#undef LXR_FIND
 
 }  // namespace
 
 const IcuLibrary* Icu(std::string* error) {
     return LoadOnce(&Load, error);
+}
+
+const IcuFormatLibrary* IcuFormats(std::string* error) {
+    return LoadOnce(&LoadFormats, error);
 }
 
 }  // namespace lxrapi

@@ -1,5 +1,6 @@
 // ICU's C functions for the library's own bundles, loaded from the system's
-// shared ICU when a caller first asks for a language other than English.
+// shared ICU when a caller first asks for a language other than English;
+// the message formatter only when a text needs more than plain "{n}".
 // The library is loaded by every CGI request and ICU brings a shared C++
 // runtime and its data with it; an English request never needs them, so the
 // library does not link ICU but finds its functions at run time.
@@ -20,6 +21,9 @@ struct IcuLibrary {
     decltype(&::ures_getStringByKey) getStringByKey;
     decltype(&::u_strFromUTF8) fromUTF8;
     decltype(&::u_strToUTF8) toUTF8;
+};
+
+struct IcuFormatLibrary {
     decltype(&::umsg_open) msgOpen;
     decltype(&::umsg_close) msgClose;
     decltype(&::umsg_format) msgFormat;
@@ -28,5 +32,6 @@ struct IcuLibrary {
 // The functions, loaded once per process (thread-safe); null when ICU cannot
 // be loaded, with the reason in `*error`.
 const IcuLibrary* Icu(std::string* error);
+const IcuFormatLibrary* IcuFormats(std::string* error);
 
 }  // namespace lxrapi

@@ -128,28 +128,49 @@ bool Bundle::ToUtf8(const UChar* text, int32_t length, std::string* out) const {
 // The most arguments a text of texts.def takes.
 constexpr size_t kMaxArgs = 4;
 
+// True when `pattern` holds no apostrophe and no brace other than in "{n}":
+// MessageFormat would then do no more than FillIn does. Loading ICU's
+// formatter and its locale data costs more than the rest of a request, so
+// it is kept for texts that use its syntax (plural or select forms).
+bool IsPlain(const std::u16string& pattern) {
+    for (size_t i = 0; i < pattern.size(); ++i) {
+        char16_t c = pattern[i];
+        if (c == u'\'' || c == u'}') return false;
+        if (c != u'{') continue;
+        if (i + 2 >= pattern.size() || pattern[i + 1] < u'0' || pattern[i + 1] > u'9' ||
+            pattern[i + 2] != u'}')
+            return false;
+        i += 2;
+    }
+    return true;
+}
+
 bool Bundle::Format(const std::u16string& pattern, const std::vector<std::string>& args,
                     std::string* out) const {
-    // Without a brace or an apostrophe MessageFormat would give the pattern
-    // back unchanged.
-    if (pattern.find_first_of(u"{'") == std::u16string::npos)
-        return ToUtf8(pattern.data(), static_cast<int32_t>(pattern.size()), out);
-    if (args.size() > kMaxArgs) return false;
+    if (IsPlain(pattern)) {
+        std::string text;
+        if (!ToUtf8(pattern.data(), static_cast<int32_t>(pattern.size()), &text)) return false;
+        *out = FillIn(text, args);
+        return true;
+    }
+    std::string error;
+    const IcuFormatLibrary* formats = IcuFormats(&error);
+    if (!formats || args.size() > kMaxArgs) return false;
     std::u16string wide[kMaxArgs];
     for (size_t i = 0; i < args.size(); ++i)
         if (!ToUtf16(args[i], &wide[i])) return false;
     UErrorCode status = U_ZERO_ERROR;
     UParseError where;
-    UMessageFormat* format = icu_.msgOpen(pattern.data(), static_cast<int32_t>(pattern.size()),
-                                          locale_.c_str(), &where, &status);
+    UMessageFormat* format = formats->msgOpen(pattern.data(), static_cast<int32_t>(pattern.size()),
+                                              locale_.c_str(), &where, &status);
     if (U_FAILURE(status)) {
-        if (format) icu_.msgClose(format);
+        if (format) formats->msgClose(format);
         return false;
     }
     // Every argument is text: the callers have written their numbers already.
     auto run = [&](UChar* result, int32_t size) {
-        return icu_.msgFormat(format, result, size, &status, wide[0].c_str(), wide[1].c_str(),
-                              wide[2].c_str(), wide[3].c_str());
+        return formats->msgFormat(format, result, size, &status, wide[0].c_str(), wide[1].c_str(),
+                                  wide[2].c_str(), wide[3].c_str());
     };
     int32_t length = run(nullptr, 0);
     std::u16string result;
@@ -158,7 +179,7 @@ bool Bundle::Format(const std::u16string& pattern, const std::vector<std::string
         result.assign(static_cast<size_t>(length) + 1, u'\0');
         length = run(&result[0], length + 1);
     }
-    icu_.msgClose(format);
+    formats->msgClose(format);
     return U_SUCCESS(status) && ToUtf8(result.data(), length, out);
 }
 

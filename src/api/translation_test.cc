@@ -59,6 +59,18 @@ TEST(TranslationTest, CallerArgumentsChooseTheLanguage) {
     }
 }
 
+// A bundle may use the whole of ICU's message syntax; a text ICU cannot
+// format is said in English.
+TEST(TranslationTest, MessageSyntaxBeyondPlainArguments) {
+    Translator words("eo", "", LXRAPI_TEST_CATALOGUE);
+    ASSERT_EQ(words.locale(), "eo");
+    EXPECT_EQ(words(Words(Say::NoUserFound, "'x'")), "Neniu uzanto 'x' trovita 'ĉi tie'");
+    EXPECT_EQ(words(Words(Say::UsersMatch, "2", "'ann'")), "'ann': du uzantoj");
+    EXPECT_EQ(words(Words(Say::UsersMatch, "3", "'ann'")), "'ann': 3 uzantoj");
+    EXPECT_EQ(words(Words(Say::NoUserNamed)), "No user was named");
+    EXPECT_EQ(words(Words(Say::DisabledForever)), "Disabled forever");  // not in the bundle
+}
+
 // Every bundle beside the library, whatever languages it holds.
 std::vector<std::string> BundleLocales() {
     std::vector<std::string> names;
