@@ -19,12 +19,15 @@ constexpr const char* kFormats = "libicui18n.so." U_ICU_VERSION_SHORT;
 #define LXR_FIND(field, symbol) \
     ok = FindSymbol(handle, LXR_ICU_NAME(symbol), &l->field, &missing) && ok
 
+void* Open(const char* name, std::string* error) {
+    void* handle = dlopen(name, RTLD_NOW | RTLD_LOCAL);
+    if (!handle) *error = std::string(name) + " cannot be loaded";
+    return handle;
+}
+
 bool Load(IcuLibrary* l, std::string* error) {
-    void* handle = dlopen(kCommon, RTLD_NOW | RTLD_LOCAL);
-    if (!handle) {
-        *error = std::string(kCommon) + " cannot be loaded";
-        return false;
-    }
+    void* handle = Open(kCommon, error);
+    if (!handle) return false;
     std::string missing;
     bool ok = true;
     LXR_FIND(open, ures_open);
@@ -37,11 +40,8 @@ bool Load(IcuLibrary* l, std::string* error) {
 }
 
 bool LoadFormats(IcuFormatLibrary* l, std::string* error) {
-    void* handle = dlopen(kFormats, RTLD_NOW | RTLD_LOCAL);
-    if (!handle) {
-        *error = std::string(kFormats) + " cannot be loaded";
-        return false;
-    }
+    void* handle = Open(kFormats, error);
+    if (!handle) return false;
     std::string missing;
     bool ok = true;
     LXR_FIND(msgOpen, umsg_open);
