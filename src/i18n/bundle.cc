@@ -59,10 +59,6 @@ const char* IcuBundle::Lookup(const char* key) {
     return text.found ? text.utf8.c_str() : nullptr;
 }
 
-bool IsKeyByte(unsigned char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-';
-}
-
 // An application name is one plain directory name.
 bool IsApplicationName(const char* name) {
     if (name == nullptr || *name == '\0' || *name == '.') return false;
@@ -72,41 +68,7 @@ bool IsApplicationName(const char* name) {
     return true;
 }
 
-// The program's own defaults are English, so an English entry always has a
-// "bundle": the defaults, unless a compiled one overrides them.
-bool IsEnglish(const std::string& name) {
-    return name == "en" || name.compare(0, 3, "en_") == 0;
-}
-
-// The first of `wanted` that has a bundle file in `tree`, or "".
-std::string ChooseFrom(const std::string& tree, const std::vector<std::string>& wanted) {
-    for (const std::string& entry : wanted) {
-        if (entry == "*") break;
-        for (std::string name = entry; !name.empty(); name = ParentLocale(name)) {
-            if (access((tree + name + ".res").c_str(), R_OK) == 0) return name;
-        }
-        if (IsEnglish(entry)) break;
-    }
-    return std::string();
-}
-
 }  // namespace
-
-std::string CatalogueKey(const char* key) {
-    static const char kHex[] = "0123456789ABCDEF";
-    std::string out;
-    for (const char* p = key ? key : ""; *p; ++p) {
-        unsigned char c = static_cast<unsigned char>(*p);
-        if (IsKeyByte(c)) {
-            out += *p;
-        } else {
-            out += '_';
-            out += kHex[c >> 4];
-            out += kHex[c & 15];
-        }
-    }
-    return out;
-}
 
 std::string CatalogueDirectory() {
     const char* named = std::getenv("LXRADMIN_CATALOGUE");
@@ -118,7 +80,7 @@ std::string CatalogueDirectory() {
 std::string ChooseCatalogueLocale(const std::string& directory, const char* bundleName,
                                   const char* locale) {
     if (directory.empty() || !IsApplicationName(bundleName)) return std::string();
-    return ChooseFrom(directory + "/" + bundleName + "/", PreferredLocales(locale));
+    return FirstLocaleWithFile(directory + "/" + bundleName + "/", PreferredLocales(locale));
 }
 
 std::shared_ptr<CKvXlate> CKvXlate::GetBundle(const char* bundleName, const char* locale) {
@@ -129,7 +91,7 @@ std::shared_ptr<CKvXlate> CKvXlate::GetBundle(const char* bundleName, const char
     if (directory.empty()) return nullptr;
     // ICU reads "<tree><name>.res" when the path ends with a separator.
     std::string tree = directory + "/" + bundleName + "/";
-    std::string name = ChooseFrom(tree, wanted);
+    std::string name = FirstLocaleWithFile(tree, wanted);
     if (name.empty()) return nullptr;
     UErrorCode status = U_ZERO_ERROR;
     UResourceBundle* bundle = ures_open(tree.c_str(), name.c_str(), &status);

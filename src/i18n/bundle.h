@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "i18n/locale_list.h"
 #include "platform/formatter.h"
 
 // The catalogue texts of one application for one locale.
@@ -43,14 +44,6 @@ std::string CatalogueDirectory();
 // <directory>/<bundleName>/, or "" when the English defaults apply.
 std::string ChooseCatalogueLocale(const std::string& directory, const char* bundleName,
                                   const char* locale);
-
-// The resource key under which `key` is stored. ICU table keys hold only
-// invariant characters, while the program's keys may carry a trailing blank
-// ("KV-LXR-12200 ") and prompts used as keys start with "#" ("#Account
-// Status"). Letters, digits and "-" stay as they are; every other byte
-// becomes "_" and two upper-case hex digits: "KV-LXR-12200 " ->
-// "KV-LXR-12200_20", "#Account Status" -> "_23Account_20Status".
-std::string CatalogueKey(const char* key);
 
 // Formats `pattern` the way catalogue texts are formatted, with ICU's
 // message syntax: "{n}" is the n-th argument of `args`, counted from 0, in

@@ -33,12 +33,20 @@ TEST(ChooseCatalogueLocale, FirstEntryWithABundle) {
         const char* locale;
         const char* want;
     } cases[] = {
-        {"fr", "fr"},           {"fr-CA", "fr_CA"},    {"fr-BE", "fr"},  // region without a bundle:
-                                                                         // the language's
-        {"de,fr;q=0.5", "fr"},  {"de;q=0.9,fr", "fr"}, {"en,fr;q=0.5", ""},  // English needs no
-                                                                             // bundle: the defaults
-        {"en-US,fr", ""},       {"en-GB,fr", "en_GB"},  // unless one is installed
-        {"*,fr", ""},           {"fr;q=0,de", ""},     {"ja", ""},          {"", ""},
+        {"fr", "fr"},
+        {"fr-CA", "fr_CA"},
+        {"fr-BE", "fr"},  // region without a bundle:
+                          // the language's
+        {"de,fr;q=0.5", "fr"},
+        {"de;q=0.9,fr", "fr"},
+        {"en,fr;q=0.5", ""},  // English needs no
+                              // bundle: the defaults
+        {"en-US,fr", ""},
+        {"en-GB,fr", "en_GB"},  // unless one is installed
+        {"*,fr", ""},
+        {"fr;q=0,de", ""},
+        {"ja", ""},
+        {"", ""},
         {"../LXRAdmin/fr", ""},
     };
     for (const Case& c : cases) {

@@ -1,5 +1,7 @@
 #include "i18n/locale_list.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cctype>
 
@@ -138,4 +140,47 @@ std::vector<std::string> PreferredLocales(const char* text) {
 std::string ParentLocale(const std::string& name) {
     size_t cut = name.rfind('_');
     return cut == std::string::npos ? std::string() : name.substr(0, cut);
+}
+
+namespace {
+
+bool IsEnglish(const std::string& name) {
+    return name == "en" || name.compare(0, 3, "en_") == 0;
+}
+
+}  // namespace
+
+std::string FirstLocaleWithFile(const std::string& tree, const std::vector<std::string>& wanted) {
+    for (const std::string& entry : wanted) {
+        if (entry == "*") break;
+        for (std::string name = entry; !name.empty(); name = ParentLocale(name)) {
+            if (access((tree + name + ".res").c_str(), R_OK) == 0) return name;
+        }
+        if (IsEnglish(entry)) break;
+    }
+    return std::string();
+}
+
+namespace {
+
+bool IsKeyByte(unsigned char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-';
+}
+
+}  // namespace
+
+std::string CatalogueKey(const char* key) {
+    static const char kHex[] = "0123456789ABCDEF";
+    std::string out;
+    for (const char* p = key ? key : ""; *p; ++p) {
+        unsigned char c = static_cast<unsigned char>(*p);
+        if (IsKeyByte(c)) {
+            out += *p;
+        } else {
+            out += '_';
+            out += kHex[c >> 4];
+            out += kHex[c & 15];
+        }
+    }
+    return out;
 }
