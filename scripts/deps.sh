@@ -12,6 +12,9 @@ PACKAGES=(
 )
 if [ "${LXR_WITH_BROWSER:-0}" = 1 ]; then
   PACKAGES+=(chromium nodejs apache2)
+  # Japanese and Chinese glyphs for the pages' screenshots (small fonts, not
+  # the whole CJK family).
+  PACKAGES+=(fonts-ipafont-gothic fonts-wqy-microhei)
   # NodeSource's nodejs carries its own npm and conflicts with Debian's npm package.
   command -v npm >/dev/null 2>&1 || PACKAGES+=(npm)
 fi
