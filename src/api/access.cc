@@ -16,9 +16,9 @@ std::string AdministratorDn(std::string_view path) {
 }
 
 Status FindRole(const Config& config, std::string_view identity, const Role** role) {
-    if (Trim(identity).empty()) return Status::AccessDenied("No administrator role was given");
+    if (Trim(identity).empty()) return Status::AccessDenied(Words(Say::NoRoleGiven));
     *role = config.FindRole(Trim(identity));
-    if (!*role) return Status::AccessDenied("Unknown administrator role " + Quoted(identity, 100));
+    if (!*role) return Status::AccessDenied(Words(Say::UnknownRole, Quoted(identity, 100)));
     return Status::OK();
 }
 
@@ -26,8 +26,8 @@ Status CheckAdministrator(const Config& config, StoreProvider& stores, const Rol
                           std::string_view administratorPath, std::string* adminDn) {
     std::string dn = AdministratorDn(administratorPath);
     if (dn.empty())
-        return Status::AdminUnreadable("The administrator path " + Quoted(administratorPath, 200) +
-                                       " names no entry");
+        return Status::AdminUnreadable(
+            Words(Say::AdminPathNamesNoEntry, Quoted(administratorPath, 200)));
     Store* store = nullptr;
     Status s = stores.Open(config.adminStore, &store);
     if (!s.ok()) return s;
@@ -37,9 +37,7 @@ Status CheckAdministrator(const Config& config, StoreProvider& stores, const Rol
         bool found = false;
         Status st = r.Get(dn, &admin, &found);
         if (!st.ok()) return st;
-        if (!found)
-            return Status::AdminUnreadable("The administrator entry " + Quoted(dn) +
-                                           " does not exist");
+        if (!found) return Status::AdminUnreadable(Words(Say::NoAdminEntry, Quoted(dn)));
         for (const std::string& listed : role.administrators.names) {
             if (DnKey(listed) == DnKey(dn)) allowed = true;
             if (allowed) break;
@@ -51,8 +49,7 @@ Status CheckAdministrator(const Config& config, StoreProvider& stores, const Rol
     });
     if (!s.ok()) return s;
     if (!allowed)
-        return Status::AccessDenied("The administrator " + Quoted(dn) +
-                                    " may not act in the role " + Quoted(role.name));
+        return Status::AccessDenied(Words(Say::AdminNotInRole, Quoted(dn), Quoted(role.name)));
     *adminDn = dn;
     return Status::OK();
 }

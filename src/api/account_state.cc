@@ -8,11 +8,11 @@
 
 namespace lxrapi {
 
-std::string AccountState::DisabledText() const {
+std::string AccountState::DisabledText(const Translator& words) const {
     std::string text;
-    for (const std::string& r : reasons) {
+    for (const Text& r : reasons) {
         if (!text.empty()) text += ",";
-        text += r;
+        text += words(r);
     }
     return text;
 }
@@ -40,12 +40,11 @@ long DaysOf(const Entry& user, const char* attribute, int policyDays) {
     return days >= 0 ? days : policyDays;
 }
 
-void CheckFailures(const Entry& user, const char* attribute, const char* label, int max,
+void CheckFailures(const Entry& user, const char* attribute, Say reached, int max,
                    AccountState* state) {
     long count = CountOf(user, attribute);
     if (max <= 0 || count < max) return;
-    state->reasons.push_back(std::string(label) + " " + std::to_string(count) +
-                             " reached the maximum of " + std::to_string(max));
+    state->reasons.push_back(Words(reached, std::to_string(count), std::to_string(max)));
     state->redisable.insert(Lower(attribute));
 }
 
@@ -59,26 +58,28 @@ AccountState EvaluateAccount(const Entry& user, const Policy& policy,
     std::string untilValue = user.First("kvlxrDisableUntil");
     std::vector<std::string_view> until = Words(untilValue);
     if (!until.empty() && until[0] == "FOREVER")
-        state.reasons.push_back("Disabled forever");
+        state.reasons.push_back(Words(Say::DisabledForever));
     else if (StampOf(user, "kvlxrDisableUntil", 0, &when) && when > now)
-        state.reasons.push_back("Disabled until " + FormatReadable(when));
+        state.reasons.push_back(Words(Say::DisabledUntil, FormatReadable(when)));
 
     if (StampOf(user, "kvlxrDisableAfter", 0, &when) && when < now) {
-        state.reasons.push_back("Disabled after " + FormatReadable(when));
+        state.reasons.push_back(Words(Say::DisabledAfter, FormatReadable(when)));
         state.redisable.insert("kvlxrdisableafter");
     }
     if (StampOf(user, "kvlxrMustLoginBy", 0, &when) && when < now) {
-        state.reasons.push_back("Did not log in by " + FormatReadable(when));
+        state.reasons.push_back(Words(Say::NotLoggedInBy, FormatReadable(when)));
         state.redisable.insert("kvlxrmustloginby");
     }
 
-    CheckFailures(user, "kvlxrFailureCount", "Failure count", policy.maxFailures, &state);
-    CheckFailures(user, "kvfpsLockoutCounter", "Lockout counter", policy.maxFailures, &state);
+    CheckFailures(user, "kvlxrFailureCount", Say::FailureCountReached, policy.maxFailures, &state);
+    CheckFailures(user, "kvfpsLockoutCounter", Say::LockoutCounterReached, policy.maxFailures,
+                  &state);
 
     long lifetime = DaysOf(user, "kvlxrExpirePasswordDays", policy.passwordExpireDays);
     if (lifetime > 0 && StampOf(user, "kvlxrLastPasswordChange", 0, &when) &&
         when + lifetime * 86400 < now) {
-        state.reasons.push_back("Password expired " + FormatReadable(when + lifetime * 86400));
+        state.reasons.push_back(
+            Words(Say::PasswordExpired, FormatReadable(when + lifetime * 86400)));
         state.redisable.insert("kvlxrexpirepassworddays");
         state.redisable.insert("kvlxrlastpasswordchange");
     }
@@ -90,7 +91,7 @@ AccountState EvaluateAccount(const Entry& user, const Policy& policy,
     if (limit > 0 && (haveLast || haveBase)) {
         std::time_t since = haveLast && haveBase ? std::max(last, base) : haveLast ? last : base;
         if (since + limit * 86400 < now) {
-            state.reasons.push_back("Inactive since " + FormatReadable(since));
+            state.reasons.push_back(Words(Say::InactiveSince, FormatReadable(since)));
             state.redisable.insert("kvlxraccountinactivitydays");
             // Only a stored base date can be reset to now from the page; an
             // unset one offers no control, so it carries no warning either.
@@ -99,7 +100,8 @@ AccountState EvaluateAccount(const Entry& user, const Policy& policy,
     }
 
     for (const GroupMembership& g : groups)
-        if (g.member && !g.group->reason.empty()) state.reasons.push_back(g.group->reason);
+        if (g.member && !g.group->reason.empty())
+            state.reasons.push_back(Words(Say::AsConfigured, g.group->reason));
     return state;
 }
 

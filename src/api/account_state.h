@@ -9,6 +9,7 @@
 
 #include "config.h"
 #include "store.h"
+#include "translation.h"
 
 namespace lxrapi {
 
@@ -18,13 +19,14 @@ struct GroupMembership {
 };
 
 struct AccountState {
-    // Each reason as shown to the administrator; none holds a comma (the
-    // page breaks the list at commas) nor a quotation mark.
-    std::vector<std::string> reasons;
+    // Each reason to be shown to the administrator; none holds a comma (the
+    // page breaks the list at commas) nor a quotation mark, in any language.
+    std::vector<Text> reasons;
     // Lower-case names of the attributes whose value would disable again.
     std::set<std::string> redisable;
 
-    std::string DisabledText() const;  // the reasons joined by ","
+    // The reasons in the administrator's language, joined by ",".
+    std::string DisabledText(const Translator& words = Translator()) const;
 };
 
 AccountState EvaluateAccount(const Entry& user, const Policy& policy,

@@ -13,14 +13,18 @@
 #include "message.h"
 #include "service.h"
 #include "store_factory.h"
+#include "translation.h"
 
 namespace {
 
+using lxrapi::Say;
 using lxrapi::Status;
+using lxrapi::Translator;
 
 // Copies `text`, made safe for the program's pages (SafeMessage), into the
 // caller's message buffer, cut to size - 1 bytes at a character boundary.
-// Every message leaves the library through here.
+// Every message leaves the library through here, translated before it is
+// made safe, so that no translation can break the page either.
 void PutMessage(char* message, int size, const std::string& text) {
     if (!message || size <= 0) return;
     std::string safe = lxrapi::SafeMessage(text);
@@ -29,22 +33,21 @@ void PutMessage(char* message, int size, const std::string& text) {
     message[cut.size()] = '\0';
 }
 
-int Fail(const Status& status, char* message, int messageSize) {
-    PutMessage(message, messageSize, status.message());
+int Fail(const Status& status, const Translator& words, char* message, int messageSize) {
+    PutMessage(message, messageSize, status.text() ? words(*status.text()) : status.message());
     return status.code();
 }
 
 // Copies a reply with its terminating zero, or fails with -6 when it does not
 // fit; a reply that does not fit leaves an empty text behind.
-int PutReply(const std::string& document, char* reply, int replySize, char* message,
-             int messageSize) {
+int PutReply(const std::string& document, char* reply, int replySize, const Translator& words,
+             char* message, int messageSize) {
     if (!reply || replySize <= 0 || document.size() + 1 > static_cast<size_t>(replySize)) {
         if (reply && replySize > 0) reply[0] = '\0';
         return Fail(Status(lxrapi::kBufferTooSmall,
-                           "The reply of " + std::to_string(document.size() + 1) +
-                               " bytes does not fit the buffer of " +
-                               std::to_string(replySize < 0 ? 0 : replySize) + " bytes"),
-                    message, messageSize);
+                           lxrapi::Words(Say::ReplyTooLarge, std::to_string(document.size() + 1),
+                                         std::to_string(replySize < 0 ? 0 : replySize))),
+                    words, message, messageSize);
     }
     std::memcpy(reply, document.data(), document.size());
     reply[document.size()] = '\0';
@@ -56,13 +59,13 @@ int Guarded(char* message, int messageSize, Fn body) {
     try {
         return body();
     } catch (const std::bad_alloc&) {
-        return Fail(Status::Unreachable("Out of memory"), message, messageSize);
+        PutMessage(message, messageSize, "Out of memory");
     } catch (const std::exception& e) {
-        return Fail(Status::Unreachable("Internal error: " + lxrapi::Shown(e.what(), 200)), message,
-                    messageSize);
+        PutMessage(message, messageSize, "Internal error: " + lxrapi::Shown(e.what(), 200));
     } catch (...) {
-        return Fail(Status::Unreachable("Internal error"), message, messageSize);
+        PutMessage(message, messageSize, "Internal error");
     }
+    return lxrapi::kUnreachable;
 }
 
 std::string Text(const char* p) {
@@ -72,14 +75,16 @@ std::string Text(const char* p) {
 }  // namespace
 
 extern "C" int LXRAdminGetDirectory(const char* identity, char* reply, int replySize, char* message,
-                                    int messageSize, const char*, const char*, const char*) {
+                                    int messageSize, const char* language, const char* country,
+                                    const char*) {
     return Guarded(message, messageSize, [&] {
+        Translator words(language, country);
         std::shared_ptr<const lxrapi::Config> config;
         Status s = lxrapi::CurrentConfig(&config);
         std::string document;
         if (s.ok()) s = lxrapi::GetDirectories(*config, Text(identity), &document);
-        if (!s.ok()) return Fail(s, message, messageSize);
-        int rc = PutReply(document, reply, replySize, message, messageSize);
+        if (!s.ok()) return Fail(s, words, message, messageSize);
+        int rc = PutReply(document, reply, replySize, words, message, messageSize);
         if (rc == 0) PutMessage(message, messageSize, "");
         return rc;
     });
@@ -87,8 +92,10 @@ extern "C" int LXRAdminGetDirectory(const char* identity, char* reply, int reply
 
 extern "C" int LXRAdminRead(const char* identity, const char* administratorPath,
                             const char* userPath, char* reply, int replySize, char* message,
-                            int messageSize, const char*, const char*, const char*, const char*) {
+                            int messageSize, const char*, const char* language, const char* country,
+                            const char*) {
     return Guarded(message, messageSize, [&] {
+        Translator words(language, country);
         std::shared_ptr<const lxrapi::Config> config;
         Status s = lxrapi::CurrentConfig(&config);
         std::string document;
@@ -96,10 +103,10 @@ extern "C" int LXRAdminRead(const char* identity, const char* administratorPath,
         if (s.ok()) {
             lxrapi::ConfiguredStores stores(*config);
             s = lxrapi::ReadUser(*config, stores, Text(identity), Text(administratorPath),
-                                 Text(userPath), &document, &count);
+                                 Text(userPath), &document, &count, words);
         }
-        if (!s.ok()) return Fail(s, message, messageSize);
-        int rc = PutReply(document, reply, replySize, message, messageSize);
+        if (!s.ok()) return Fail(s, words, message, messageSize);
+        int rc = PutReply(document, reply, replySize, words, message, messageSize);
         if (rc != 0) return rc;
         PutMessage(message, messageSize, "");
         return count;
@@ -108,20 +115,21 @@ extern "C" int LXRAdminRead(const char* identity, const char* administratorPath,
 
 extern "C" int LXRAdminWrite(const char* identity, const char* administratorPath,
                              const char* updateDocument, char* message, int messageSize,
-                             const char*, const char*, const char*, const char*) {
+                             const char*, const char* language, const char* country, const char*) {
     return Guarded(message, messageSize, [&] {
+        Translator words(language, country);
         std::shared_ptr<const lxrapi::Config> config;
         Status s = lxrapi::CurrentConfig(&config);
         if (s.ok()) {
             if (!updateDocument) {
-                s = Status::BadRequest("No update document was given");
+                s = Status::BadRequest(lxrapi::Words(Say::NoUpdateDocument));
             } else {
                 lxrapi::ConfiguredStores stores(*config);
                 s = lxrapi::WriteUser(*config, stores, Text(identity), Text(administratorPath),
                                       updateDocument);
             }
         }
-        if (!s.ok()) return Fail(s, message, messageSize);
+        if (!s.ok()) return Fail(s, words, message, messageSize);
         PutMessage(message, messageSize, "");
         return 0;
     });

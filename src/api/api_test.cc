@@ -64,11 +64,11 @@ class ApiTest : public ::testing::Test {
         if (message) *message = text;
         return rc;
     }
-    std::string ReadDocument(const char* userPath = "people/ann") {
+    std::string ReadDocument(const char* userPath = "people/ann", const char* language = "EN") {
         std::vector<char> reply(65536);
         char message[1024] = {};
         int rc = LXRAdminRead("desk", kAdmin, userPath, reply.data(), 65535, message,
-                              sizeof message, "LXRAdmin=YES", "EN", "US", nullptr);
+                              sizeof message, "LXRAdmin=YES", language, language, nullptr);
         EXPECT_GE(rc, 0) << message;
         return reply.data();
     }
@@ -147,6 +147,7 @@ TEST_F(ApiTest, ConfigurationAndStoreFaultsAreCommunicationErrors) {
 // The program shows a message unescaped in alert("...") and <h1>...</h1>,
 // and redirects to one that begins like an address: whatever the caller sent,
 // no message may carry markup, quotation marks, line ends or such a beginning.
+// In the caller's language too: the guard applies after translation.
 TEST_F(ApiTest, EveryMessageIsSafeForThePages) {
     struct Case {
         const char* role;
@@ -155,10 +156,15 @@ TEST_F(ApiTest, EveryMessageIsSafeForThePages) {
         const char* config;
         int code;
         const char* says;
+        const char* language = "EN";
     } cases[] = {
         {"d\"e<s>k", "people/ann", nullptr, nullptr, kAccessDenied,
          "Unknown administrator role 'd?e?s?k'"},
+        {"d\"e<s>k", "people/ann", nullptr, nullptr, kAccessDenied,
+         "Rôle d’administrateur inconnu 'd?e?s?k'", "fr-FR"},
         {"desk", "people/a\\b\nc", nullptr, nullptr, kUserUnreadable, "No user 'a?b?c'"},
+        {"desk", "people/a\\b\nc", nullptr, nullptr, kUserUnreadable, "Kein Benutzer 'a?b?c'",
+         "de"},
         {"desk", "d<\"x\">/ann", nullptr, nullptr, kAccessDenied,
          "The directory 'd??x?"
          "?' is not open to the role 'desk'"},
@@ -167,6 +173,12 @@ TEST_F(ApiTest, EveryMessageIsSafeForThePages) {
          kBadRequest,
          "Attribute kvlxrDisableUntil: the value '?soon? ?b?"
          "?' is not in the attribute's format"},
+        {"desk", nullptr,
+         "<Attribute name=\"kvlxrDisableUntil\"><Value>\"soon\" <b>\\</Value></Attribute>", nullptr,
+         kBadRequest,
+         "属性 kvlxrDisableUntil: 値 '?soon? ?b?"
+         "?' は属性の形式に合っていません",
+         "ja"},
         {"desk", "people/ann", nullptr, "http://x/\"q\".toml", kUnreachable,
          "Configuration file http://x/?q?.toml cannot be opened"},
     };
@@ -177,12 +189,12 @@ TEST_F(ApiTest, EveryMessageIsSafeForThePages) {
         if (c.user) {
             std::vector<char> reply(65536);
             rc = LXRAdminRead(c.role, kAdmin, c.user, reply.data(), 65535, message, sizeof message,
-                              "LXRAdmin=YES", "EN", "US", nullptr);
+                              "LXRAdmin=YES", c.language, c.language, nullptr);
         } else {
             std::string doc =
                 std::string("<User name=\"uid=ann,ou=people,o=t\">") + c.body + "</User>";
             rc = LXRAdminWrite(c.role, kAdmin, doc.c_str(), message, sizeof message, "LXRAdmin=YES",
-                               "EN", "US", nullptr);
+                               c.language, c.language, nullptr);
         }
         setenv("LXRAPI_CONFIG", config_.c_str(), 1);
         std::string text = message;
@@ -207,6 +219,7 @@ TEST_F(ApiTest, WriteClearsTheMessageOnSuccess) {
               0);
     EXPECT_EQ(message[0], '\0');
     EXPECT_NE(ReadDocument().find("disabled=\"Disabled forever\""), std::string::npos);
+    EXPECT_NE(ReadDocument("people/ann", "zh-CN").find("disabled=\"永久禁用\""), std::string::npos);
     EXPECT_EQ(LXRAdminWrite("desk", kAdmin, nullptr, nullptr, 0, "", "", "", nullptr), kBadRequest);
 }
 

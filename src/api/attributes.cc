@@ -179,17 +179,15 @@ bool CheckForm(ValueForm form, std::string_view value) {
 Status ValidateValue(const AttributeInfo& info, std::string_view value) {
     // The rejected value is shown (cut, and with the characters that the
     // program's pages cannot take as '?') so the administrator sees which.
-    auto bad = [&](const char* why) {
-        return Status::BadRequest(std::string("Attribute ") + info.name + ": the value " +
-                                  Quoted(value, 80) + " " + why);
+    auto bad = [&](Say why) {
+        return Status::BadRequest(Words(why, info.name, Quoted(value, 80)));
     };
-    if (value.size() > kMaxValue) return bad("is too long");
+    if (value.size() > kMaxValue) return bad(Say::ValueTooLong);
     for (unsigned char c : value)
-        if (c < 0x20 || c == 0x7f) return bad("holds a control character");
-    if (value.find("</Value>") != std::string_view::npos)
-        return bad("holds the end tag of a Value");
-    if (Trim(value).empty()) return bad("is blank");
-    if (!CheckForm(info.form, value)) return bad("is not in the attribute's format");
+        if (c < 0x20 || c == 0x7f) return bad(Say::ValueHoldsControl);
+    if (value.find("</Value>") != std::string_view::npos) return bad(Say::ValueHoldsEndTag);
+    if (Trim(value).empty()) return bad(Say::ValueBlank);
+    if (!CheckForm(info.form, value)) return bad(Say::ValueNotInFormat);
     return Status::OK();
 }
 

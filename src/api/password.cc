@@ -21,16 +21,16 @@ constexpr size_t kMinNameInPassword = 3;
 
 Status CheckPassword(const PasswordRules& rules, std::string_view password,
                      const std::vector<std::string>& userNames) {
-    auto bad = [](const std::string& why) {
-        return Status::BadRequest("Attribute userPassword: the new password " + why);
+    auto bad = [](Say why, int count = 0) {
+        return Status::BadRequest(Words(why, std::to_string(count)));
     };
     if (password.size() < static_cast<size_t>(rules.minLength))
-        return bad("is shorter than " + std::to_string(rules.minLength) + " characters");
+        return bad(Say::PasswordTooShort, rules.minLength);
     if (password.size() > static_cast<size_t>(rules.maxLength))
-        return bad("is longer than " + std::to_string(rules.maxLength) + " characters");
+        return bad(Say::PasswordTooLong, rules.maxLength);
     int digits = 0, upper = 0, lower = 0, other = 0;
     for (unsigned char c : password) {
-        if (c < 0x20 || c == 0x7f) return bad("holds a control character");
+        if (c < 0x20 || c == 0x7f) return bad(Say::PasswordHoldsControl);
         if (c >= '0' && c <= '9')
             ++digits;
         else if (c >= 'A' && c <= 'Z')
@@ -40,21 +40,17 @@ Status CheckPassword(const PasswordRules& rules, std::string_view password,
         else
             ++other;
     }
-    if (digits < rules.minDigits)
-        return bad("needs at least " + std::to_string(rules.minDigits) + " digits");
-    if (upper < rules.minUpper)
-        return bad("needs at least " + std::to_string(rules.minUpper) + " upper-case letters");
-    if (lower < rules.minLower)
-        return bad("needs at least " + std::to_string(rules.minLower) + " lower-case letters");
-    if (other < rules.minOther)
-        return bad("needs at least " + std::to_string(rules.minOther) + " other characters");
+    if (digits < rules.minDigits) return bad(Say::PasswordFewDigits, rules.minDigits);
+    if (upper < rules.minUpper) return bad(Say::PasswordFewUpper, rules.minUpper);
+    if (lower < rules.minLower) return bad(Say::PasswordFewLower, rules.minLower);
+    if (other < rules.minOther) return bad(Say::PasswordFewOther, rules.minOther);
     if (rules.rejectUserName) {
         std::string folded = Lower(password);
         for (const std::string& name : userNames)
             for (std::string_view word : Words(name))
                 if (word.size() >= kMinNameInPassword &&
                     folded.find(Lower(word)) != std::string::npos)
-                    return bad("contains the user's name");
+                    return bad(Say::PasswordHoldsName);
     }
     return Status::OK();
 }

@@ -69,7 +69,7 @@ Status FindUser(const Config& config, StoreProvider& stores, const Role& role,
         slash == std::string_view::npos ? std::string_view() : userPath.substr(0, slash);
     std::string_view user =
         Trim(slash == std::string_view::npos ? userPath : userPath.substr(slash + 1));
-    if (user.empty()) return Status::UserUnreadable("No user was named");
+    if (user.empty()) return Status::UserUnreadable(Words(Say::NoUserNamed));
     std::vector<const DirectoryConfig*> candidates;
     if (id.empty()) {
         for (const DirectoryConfig& d : config.directories)
@@ -77,8 +77,8 @@ Status FindUser(const Config& config, StoreProvider& stores, const Role& role,
     } else {
         const DirectoryConfig* d = config.FindDirectory(id);
         if (!d || !MaySeeDirectory(role, *d))
-            return Status::AccessDenied("The directory " + Quoted(id, 100) +
-                                        " is not open to the role " + Quoted(role.name));
+            return Status::AccessDenied(
+                Words(Say::DirectoryNotOpen, Quoted(id, 100), Quoted(role.name)));
         candidates.push_back(d);
     }
     size_t matches = 0;
@@ -86,13 +86,12 @@ Status FindUser(const Config& config, StoreProvider& stores, const Role& role,
         Status s = SearchDirectory(stores, *d, user, &matches, found);
         if (!s.ok()) return s;
     }
-    if (matches == 0) return Status::UserUnreadable("No user " + Quoted(user, 200) + " was found");
+    if (matches == 0) return Status::UserUnreadable(Words(Say::NoUserFound, Quoted(user, 200)));
     if (matches > 1)
-        return Status::UserUnreadable(std::to_string(matches) + " users match " +
-                                      Quoted(user, 200) + "; name one by its DN");
+        return Status::UserUnreadable(
+            Words(Say::UsersMatch, std::to_string(matches), Quoted(user, 200)));
     if (found->entry.dn.find('"') != std::string::npos)
-        return Status::UserUnreadable("The entry " + Quoted(found->entry.dn) +
-                                      " cannot be shown: its name holds a quotation mark");
+        return Status::UserUnreadable(Words(Say::EntryNameHasQuote, Quoted(found->entry.dn)));
     return Status::OK();
 }
 
@@ -100,7 +99,8 @@ bool SafeValue(const std::string& v) {
     return v.find("</Value>") == std::string::npos;
 }
 
-UserView BuildView(const Config& config, const Role& role, const FoundUser& found) {
+UserView BuildView(const Config& config, const Role& role, const FoundUser& found,
+                   const Translator& words) {
     const DirectoryConfig& d = *found.directory;
     std::vector<GroupMembership> memberships;
     for (size_t i = 0; i < d.groups.size(); ++i)
@@ -109,7 +109,7 @@ UserView BuildView(const Config& config, const Role& role, const FoundUser& foun
 
     UserView view;
     view.dn = found.entry.dn;
-    view.disabled = state.DisabledText();
+    view.disabled = state.DisabledText(words);
     for (const AttributeInfo& info : AttributeTable()) {
         AttributeView a;
         a.info = &info;
@@ -162,14 +162,14 @@ Status GetDirectories(const Config& config, std::string_view identity, std::stri
 
 Status ReadUser(const Config& config, StoreProvider& stores, std::string_view identity,
                 std::string_view administratorPath, std::string_view userPath, std::string* reply,
-                int* attributeCount) {
+                int* attributeCount, const Translator& words) {
     const Role* role = nullptr;
     std::string adminDn;
     Status s = Authorize(config, stores, identity, administratorPath, &role, &adminDn);
     if (!s.ok()) return s;
     FoundUser found;
     if (!(s = FindUser(config, stores, *role, userPath, &found)).ok()) return s;
-    UserView view = BuildView(config, *role, found);
+    UserView view = BuildView(config, *role, found, words);
     *reply = WriteUserDocument(view);
     *attributeCount = static_cast<int>(view.attributes.size());
     return Status::OK();
@@ -252,39 +252,36 @@ Status CheckAgainstRole(const Config& config, const Role& role, const UpdateDocu
         if (!plan->directory && MaySeeDirectory(role, d) && IsBelow(doc.userDn, d.base))
             plan->directory = &d;
     if (!plan->directory)
-        return Status::AccessDenied("The user " + Quoted(doc.userDn, 200) +
-                                    " is not in a directory open to the role " + Quoted(role.name));
+        return Status::AccessDenied(
+            Words(Say::UserNotInRoleDirectory, Quoted(doc.userDn, 200), Quoted(role.name)));
     for (const GroupUpdate& g : doc.groups) {
         const GroupConfig* found = FindPostedGroup(*plan->directory, g.name);
         if (!found)
-            return Status::AccessDenied("The directory " + Quoted(plan->directory->id) +
-                                        " shows no group " + Quoted(g.name, 200));
+            return Status::AccessDenied(
+                Words(Say::NoSuchGroup, Quoted(plan->directory->id), Quoted(g.name, 200)));
         if (!MayWriteGroup(role, found->dn))
-            return Status::AccessDenied("The membership of the group " + Quoted(found->id) +
-                                        " may not be changed in the role " + Quoted(role.name));
+            return Status::AccessDenied(
+                Words(Say::GroupNotWritable, Quoted(found->id), Quoted(role.name)));
         plan->groups.push_back({found, g.member == "1"});
     }
     for (const AttributeUpdate& a : doc.attributes)
         if (!MayWrite(role, a.name))
-            return Status::AccessDenied("The attribute " + Quoted(a.name, 100) +
-                                        " may not be changed in the role " + Quoted(role.name));
+            return Status::AccessDenied(
+                Words(Say::AttributeNotWritable, Quoted(a.name, 100), Quoted(role.name)));
     return Status::OK();
 }
 
 Status CheckValues(const UpdateDocument& doc, Plan* plan) {
     for (const GroupUpdate& g : doc.groups)
         if (g.member != "1" && g.member != "0")
-            return Status::BadRequest("Group " + Quoted(g.name, 200) + ": the member value " +
-                                      Quoted(g.member, 40) + " must be 1 or 0");
+            return Status::BadRequest(
+                Words(Say::BadMemberValue, Quoted(g.name, 200), Quoted(g.member, 40)));
     for (const AttributeUpdate& a : doc.attributes) {
         const AttributeInfo& info = *FindAttribute(a.name);
         if (info.form == ValueForm::kPassword) {
             size_t given = 0;
             for (const std::string& v : a.values) given += v.empty() ? 0 : 1;
-            if (given != 1)
-                return Status::BadRequest(
-                    "Attribute userPassword: exactly one new password "
-                    "must be given");
+            if (given != 1) return Status::BadRequest(Words(Say::OneNewPassword));
             plan->changesPassword = true;
             continue;
         }
@@ -304,9 +301,7 @@ Status PreparePassword(const Config& config, Store& store, const UpdateDocument&
     bool found = false;
     Status s = store.Read([&](StoreReader& r) { return r.Get(doc.userDn, &user, &found); });
     if (!s.ok()) return s;
-    if (!found)
-        return Status::UserUnreadable("The user entry " + Quoted(doc.userDn, 200) +
-                                      " does not exist");
+    if (!found) return Status::UserUnreadable(Words(Say::NoUserEntry, Quoted(doc.userDn, 200)));
     if (!plan->changesPassword) return Status::OK();
     std::string password;
     for (const AttributeUpdate& a : doc.attributes)
@@ -352,8 +347,7 @@ Status ApplyPlan(StoreWriter& w, const Plan& plan, AuditRecord* audit) {
     Status s = w.Get(plan.document->userDn, &before, &found);
     if (!s.ok()) return s;
     if (!found)
-        return Status::UserUnreadable("The user entry " + Quoted(plan.document->userDn, 200) +
-                                      " does not exist");
+        return Status::UserUnreadable(Words(Say::NoUserEntry, Quoted(plan.document->userDn, 200)));
     audit->user = before.dn;
     Entry after = ApplyAttributes(before, plan);
 
@@ -379,9 +373,7 @@ Status ApplyPlan(StoreWriter& w, const Plan& plan, AuditRecord* audit) {
         Entry group;
         bool exists = false;
         if (!(s = w.Get(g.group->dn, &group, &exists)).ok()) return s;
-        if (!exists)
-            return Status::UpdateFailed("The group entry " + Quoted(g.group->dn) +
-                                        " does not exist");
+        if (!exists) return Status::UpdateFailed(Words(Say::NoGroupEntry, Quoted(g.group->dn)));
         std::vector<std::string> members = group.Values("member"), kept;
         bool was = false;
         for (const std::string& m : members) {

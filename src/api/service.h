@@ -9,6 +9,7 @@
 #include "config.h"
 #include "status.h"
 #include "store.h"
+#include "translation.h"
 
 namespace lxrapi {
 
@@ -21,9 +22,10 @@ Status GetDirectories(const Config& config, std::string_view identity, std::stri
 // part is a DN below the directory's base or a name matched exactly, without
 // regard to (ASCII) case, against the directory's naming attributes.
 // `attributeCount` receives the number of Attribute elements in the reply.
+// The disabled reasons are written in the language of `words`.
 Status ReadUser(const Config& config, StoreProvider& stores, std::string_view identity,
                 std::string_view administratorPath, std::string_view userPath, std::string* reply,
-                int* attributeCount);
+                int* attributeCount, const Translator& words = Translator());
 
 // Applies an update document in one transaction, all or nothing, and records
 // it in the store's audit trail. Checks every attribute and group against the

@@ -71,24 +71,6 @@ bool IsApplicationName(const char* name) {
     return true;
 }
 
-// The program's own defaults are English, so an English entry always has a
-// "bundle": the defaults, unless a compiled one overrides them.
-bool IsEnglish(const std::string& name) {
-    return name == "en" || name.compare(0, 3, "en_") == 0;
-}
-
-// The first of `wanted` that has a bundle file in `tree`, or "".
-std::string ChooseFrom(const std::string& tree, const std::vector<std::string>& wanted) {
-    for (const std::string& entry : wanted) {
-        if (entry == "*") break;
-        for (std::string name = entry; !name.empty(); name = ParentLocale(name)) {
-            if (access((tree + name + ".res").c_str(), R_OK) == 0) return name;
-        }
-        if (IsEnglish(entry)) break;
-    }
-    return std::string();
-}
-
 }  // namespace
 
 std::string CatalogueKey(const char* key) {
@@ -122,7 +104,7 @@ std::string CatalogueDirectory() {
 std::string ChooseCatalogueLocale(const std::string& directory, const char* bundleName,
                                   const char* locale) {
     if (directory.empty() || !IsApplicationName(bundleName)) return std::string();
-    return ChooseFrom(directory + "/" + bundleName + "/", PreferredLocales(locale));
+    return FirstLocaleWithFile(directory + "/" + bundleName + "/", PreferredLocales(locale));
 }
 
 std::shared_ptr<CKvXlate> CKvXlate::GetBundle(const char* bundleName, const char* locale) {
@@ -133,7 +115,7 @@ std::shared_ptr<CKvXlate> CKvXlate::GetBundle(const char* bundleName, const char
     if (directory.empty()) return nullptr;
     // ICU reads "<tree><name>.res" when the path ends with a separator.
     std::string tree = directory + "/" + bundleName + "/";
-    std::string name = ChooseFrom(tree, wanted);
+    std::string name = FirstLocaleWithFile(tree, wanted);
     if (name.empty()) return nullptr;
     UErrorCode status = U_ZERO_ERROR;
     UResourceBundle* bundle = ures_open(tree.c_str(), name.c_str(), &status);

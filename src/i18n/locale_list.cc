@@ -1,5 +1,7 @@
 #include "i18n/locale_list.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cctype>
 
@@ -143,4 +145,23 @@ std::string ParentLocale(const std::string& name) {
     if (name == "zh_TW" || name == "zh_HK" || name == "zh_MO") return "zh_Hant";
     size_t cut = name.rfind('_');
     return cut == std::string::npos ? std::string() : name.substr(0, cut);
+}
+
+namespace {
+
+bool IsEnglish(const std::string& name) {
+    return name == "en" || name.compare(0, 3, "en_") == 0;
+}
+
+}  // namespace
+
+std::string FirstLocaleWithFile(const std::string& tree, const std::vector<std::string>& wanted) {
+    for (const std::string& entry : wanted) {
+        if (entry == "*") break;
+        for (std::string name = entry; !name.empty(); name = ParentLocale(name)) {
+            if (access((tree + name + ".res").c_str(), R_OK) == 0) return name;
+        }
+        if (IsEnglish(entry)) break;
+    }
+    return std::string();
 }

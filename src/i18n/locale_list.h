@@ -21,3 +21,9 @@ std::vector<std::string> PreferredLocales(const char* text);
 // stops short of the Simplified "zh": "zh_Hant_TW" and "zh_TW" -> "zh_Hant"
 // -> "".
 std::string ParentLocale(const std::string& name);
+
+// The first of `wanted` (PreferredLocales' entries), or one of its parents,
+// that has a compiled bundle <tree><name>.res, or "". English is what the
+// callers' defaults already say, so an English entry (or "*") without a
+// bundle of its own ends the search with "".
+std::string FirstLocaleWithFile(const std::string& tree, const std::vector<std::string>& wanted);

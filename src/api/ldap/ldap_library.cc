@@ -4,6 +4,8 @@
 
 #include <mutex>
 
+#include "loaded_library.h"
+
 namespace lxrapi {
 
 namespace {
@@ -12,13 +14,6 @@ namespace {
 // development link.
 constexpr const char* kNames[] = {"libldap-2.5.so.0", "libldap.so.2", "libldap-2.4.so.2",
                                   "libldap.so"};
-
-template <typename T>
-bool Find(void* handle, const char* name, T* function, std::string* missing) {
-    *function = reinterpret_cast<T>(dlsym(handle, name));
-    if (!*function && missing->empty()) *missing = name;
-    return *function != nullptr;
-}
 
 bool Load(LdapLibrary* l, std::string* error) {
     void* handle = nullptr;
@@ -30,7 +25,7 @@ bool Load(LdapLibrary* l, std::string* error) {
     }
     std::string missing;
     bool ok = true;
-#define LXR_FIND(field, symbol) ok = Find(handle, #symbol, &l->field, &missing) && ok
+#define LXR_FIND(field, symbol) ok = FindSymbol(handle, #symbol, &l->field, &missing) && ok
     LXR_FIND(initialize, ldap_initialize);
     LXR_FIND(set_option, ldap_set_option);
     LXR_FIND(get_option, ldap_get_option);
