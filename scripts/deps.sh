@@ -15,6 +15,9 @@ if [ "${LXR_WITH_BROWSER:-0}" = 1 ]; then
   # The package test: building the Debian packages, lintian, and serving the
   # installed program through Apache.
   PACKAGES+=(debhelper dpkg-dev lintian apache2-utils curl man-db)
+  # Japanese and Chinese glyphs for the pages' screenshots (small fonts, not
+  # the whole CJK family).
+  PACKAGES+=(fonts-ipafont-gothic fonts-wqy-microhei)
   # NodeSource's nodejs carries its own npm and conflicts with Debian's npm package.
   command -v npm >/dev/null 2>&1 || PACKAGES+=(npm)
 fi

@@ -61,7 +61,13 @@ std::string ApiCatalogueDirectory() {
         if (n > 0) file.assign(path, static_cast<size_t>(n));
     }
     size_t slash = file.rfind('/');
-    return slash == std::string::npos ? std::string() : file.substr(0, slash + 1) + "catalogue";
+    if (slash != std::string::npos) {
+        std::string beside = file.substr(0, slash + 1) + "catalogue";
+        if (access((beside + "/LXRAPI").c_str(), F_OK) == 0) return beside;
+    }
+    // An installed library keeps its texts with the shared data, not in the
+    // multiarch library folder.
+    return LXRAPI_INSTALLED_CATALOGUE;
 }
 
 // One opened bundle of the library's texts, shared by every Translator of

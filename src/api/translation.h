@@ -67,7 +67,7 @@ class Translator {
     // as a number: it stands as the caller wrote it.
     std::string operator()(const Text& text) const;
 
-    // The locale of the bundle in use ("de", "pt_BR"), or "" for English.
+    // The locale of the bundle in use ("de", "pt"), or "" for English.
     std::string locale() const;
 
   private:

@@ -54,7 +54,7 @@ TEST(CLanguage, GermanCatalogue) {
         {"#Not Translated", "Not Translated", "Not Translated"},
         {"KV-LXR-99999", "fallback", "fallback"},
     };
-    for (const char* locale : {"de", "de-DE", "de-AT;q=0.9,fr"}) {
+    for (const char* locale : {"de", "de-DE", "de-AT;q=0.9,sv"}) {
         auto lang = Open(LXR_CATALOGUE_DIR, "LXRAdmin", locale);
         for (const Case& c : cases) EXPECT_EQ(Text(*lang, c.key, c.def), c.want) << c.key;
     }
@@ -68,11 +68,20 @@ TEST(CLanguage, AcceptListChoosesFirstBundle) {
         const char* locale;
         const char* want;
     } cases[] = {
-        {"fr,de;q=0.8,en-US;q=0.001", "Verzeichnis"},
+        {"sv,de;q=0.8,en-US;q=0.001", "Verzeichnis"},
         {"de; b=2", "Verzeichnis"},
         {"en,de;q=0.5", "Directory"},
-        {"ja;q=0.001", "Directory"},
-        {"fr", "Directory"},
+        {"ko;q=0.001", "Directory"},
+        {"fr-CA", "Annuaire"},
+        // Brazilian Portuguese and Simplified Chinese are stored under the
+        // bare language; Traditional Chinese does not fall back to them.
+        {"pt-BR", "Diret\xC3\xB3rio"},
+        {"pt-PT", "Diret\xC3\xB3rio"},
+        {"zh-CN", "\xE7\x9B\xAE\xE5\xBD\x95"},
+        {"zh-Hans-SG", "\xE7\x9B\xAE\xE5\xBD\x95"},
+        {"zh-TW", "Directory"},
+        {"zh-Hant,ja;q=0.5",
+         "\xE3\x83\x87\xE3\x82\xA3\xE3\x83\xAC\xE3\x82\xAF\xE3\x83\x88\xE3\x83\xAA"},
     };
     for (const Case& c : cases) {
         auto lang = Open(LXR_CATALOGUE_DIR, "LXRAdmin", c.locale);

@@ -138,6 +138,11 @@ std::vector<std::string> PreferredLocales(const char* text) {
 }
 
 std::string ParentLocale(const std::string& name) {
+    // The plain "zh" bundle holds Chinese in the Simplified script, which a
+    // reader of Traditional Chinese should not get in place of English:
+    // Taiwan, Hong Kong and Macao go to "zh_Hant", and that goes nowhere.
+    if (name == "zh_Hant") return std::string();
+    if (name == "zh_TW" || name == "zh_HK" || name == "zh_MO") return "zh_Hant";
     size_t cut = name.rfind('_');
     return cut == std::string::npos ? std::string() : name.substr(0, cut);
 }

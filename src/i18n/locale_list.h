@@ -19,7 +19,9 @@
 // empty text gives no entries.
 std::vector<std::string> PreferredLocales(const char* text);
 
-// The next more general locale: "zh_Hant_TW" -> "zh_Hant" -> "zh" -> "".
+// The next more general locale: "de_CH" -> "de" -> "". Traditional Chinese
+// stops short of the Simplified "zh": "zh_Hant_TW" and "zh_TW" -> "zh_Hant"
+// -> "".
 std::string ParentLocale(const std::string& name);
 
 // The first of `wanted` (PreferredLocales' entries), or one of its parents,

@@ -45,10 +45,11 @@ TEST(PreferredLocales, NothingThatCouldNameAPath) {
 }
 
 TEST(ParentLocale, Chain) {
-    EXPECT_EQ(ParentLocale("zh_Hant_TW"), "zh_Hant");
-    EXPECT_EQ(ParentLocale("zh_Hant"), "zh");
-    EXPECT_EQ(ParentLocale("zh"), "");
-    EXPECT_EQ(ParentLocale(""), "");
+    // Traditional Chinese never reaches the Simplified "zh" bundle.
+    const char* const cases[][2] = {
+        {"zh_Hans_CN", "zh_Hans"}, {"zh_Hans", "zh"}, {"zh", ""}, {"zh_Hant_TW", "zh_Hant"},
+        {"zh_TW", "zh_Hant"},      {"zh_Hant", ""},   {"", ""}};
+    for (const auto& c : cases) EXPECT_EQ(ParentLocale(c[0]), c[1]) << c[0];
 }
 
 }  // namespace
