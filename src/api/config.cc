@@ -396,13 +396,20 @@ bool EachTable(Reader& r, const toml::table& root, const char* key, Fn fn) {
 
 bool ReadRoot(Reader& r, const toml::table& root, Config* config) {
     if (!r.OnlyKeys(root, "the file",
-                    {"administrators", "store", "policy", "directory", "role", "ldap"}))
+                    {"administrators", "store", "read", "policy", "directory", "role", "ldap"}))
         return false;
     if (const toml::node* node = root.get("store")) {
         const toml::table* t = node->as_table();
         if (!t) return r.Fail(Reader::Line(*node), "'store' must be a table");
         if (!r.OnlyKeys(*t, "[store]", {"busy_timeout_ms"}) ||
             !r.Int(*t, "busy_timeout_ms", "[store]", 0, 600000, &config->busyTimeoutMs))
+            return false;
+    }
+    if (const toml::node* node = root.get("read")) {
+        const toml::table* t = node->as_table();
+        if (!t) return r.Fail(Reader::Line(*node), "'read' must be a table");
+        if (!r.OnlyKeys(*t, "[read]", {"history_limit"}) ||
+            !r.Int(*t, "history_limit", "[read]", 1, 100000, &config->historyLimit))
             return false;
     }
     if (const toml::node* node = root.get("policy")) {

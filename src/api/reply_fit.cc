@@ -1,0 +1,124 @@
+#include "reply_fit.h"
+
+#include <algorithm>
+#include <string_view>
+#include <vector>
+
+#include "attributes.h"
+#include "text.h"
+
+namespace lxrapi {
+
+namespace {
+
+// One value that may be left out, and what it weighs.
+struct Candidate {
+    std::string_view stamp;  // empty: no readable stamp, older than any dated entry
+    size_t attribute;        // index in UserView::attributes
+    size_t index;            // index in its values
+    size_t bytes;            // what leaving it out saves
+};
+
+// The stamp when `word` has the form YYYYMMDDhhmmssZ; such stamps order as
+// the instants they name, so they are compared as text.
+std::string_view StampOf(std::string_view word) {
+    if (word.size() != 15 || word[14] != 'Z' || !AllDigits(word.substr(0, 14))) return {};
+    return word;
+}
+
+std::string_view AgeOf(ValueForm form, std::string_view value) {
+    std::string_view rest = value;
+    std::string_view first = TakeWord(rest);
+    return StampOf(form == ValueForm::kRedirect ? TakeWord(rest) : first);
+}
+
+// Oldest first: by stamp, and of equal stamps the later stored one first.
+bool Older(const Candidate& a, const Candidate& b) {
+    if (a.stamp != b.stamp) return a.stamp < b.stamp;
+    if (a.attribute != b.attribute) return a.attribute > b.attribute;
+    return a.index > b.index;
+}
+
+// The values of the attributes of `form`, oldest first.
+std::vector<Candidate> EntriesOldestFirst(const UserView& view, ValueForm form) {
+    std::vector<Candidate> entries;
+    for (size_t a = 0; a < view.attributes.size(); ++a) {
+        if (view.attributes[a].info->form != form) continue;
+        const std::vector<std::string>& values = view.attributes[a].values;
+        for (size_t i = 0; i < values.size(); ++i)
+            entries.push_back({AgeOf(form, values[i]), a, i, ValueBytes(values[i])});
+    }
+    std::sort(entries.begin(), entries.end(), Older);
+    return entries;
+}
+
+// Keeps the values not marked in `dropped`, in their stored order.
+void Remove(UserView* view, const std::vector<Candidate>& entries, size_t count) {
+    std::vector<std::vector<bool>> dropped(view->attributes.size());
+    for (size_t k = 0; k < count; ++k) {
+        std::vector<bool>& marks = dropped[entries[k].attribute];
+        marks.resize(view->attributes[entries[k].attribute].values.size(), false);
+        marks[entries[k].index] = true;
+    }
+    for (size_t a = 0; a < view->attributes.size(); ++a) {
+        if (dropped[a].empty()) continue;
+        std::vector<std::string>& values = view->attributes[a].values;
+        std::vector<std::string> kept;
+        for (size_t i = 0; i < values.size(); ++i)
+            if (!dropped[a][i]) kept.push_back(std::move(values[i]));
+        values = std::move(kept);
+    }
+}
+
+// Each history cut to its `limit` newest entries.
+void CapHistories(UserView* view, size_t limit) {
+    for (AttributeView& a : view->attributes) {
+        if (a.info->form != ValueForm::kHistoryEntry || a.values.size() <= limit) continue;
+        UserView one;
+        one.attributes.push_back(std::move(a));
+        std::vector<Candidate> entries = EntriesOldestFirst(one, ValueForm::kHistoryEntry);
+        Remove(&one, entries, entries.size() - limit);
+        a = std::move(one.attributes.front());
+    }
+}
+
+// Leaves out entries of `form`, oldest first, until `excess` bytes are saved
+// or only the `keep` newest are left; returns what is still in excess.
+size_t Shed(UserView* view, ValueForm form, size_t keep, size_t excess) {
+    std::vector<Candidate> entries = EntriesOldestFirst(*view, form);
+    size_t count = 0;
+    while (excess > 0 && count + keep < entries.size()) {
+        excess -= std::min(excess, entries[count].bytes);
+        ++count;
+    }
+    Remove(view, entries, count);
+    return excess;
+}
+
+}  // namespace
+
+Status WriteFittedUserDocument(UserView view, size_t room, int historyLimit, std::string* out) {
+    out->clear();
+    CapHistories(&view, static_cast<size_t>(std::max(historyLimit, 0)));
+    std::string document = WriteUserDocument(view);
+    if (document.size() > room) {
+        size_t excess = document.size() - room;
+        excess = Shed(&view, ValueForm::kHistoryEntry, 0, excess);
+        // The page posts the redirects it shows, and an empty field when it
+        // shows none, which the write reads as "remove them all"; so the
+        // newest redirect stays.
+        excess = Shed(&view, ValueForm::kRedirect, 1, excess);
+        document = WriteUserDocument(view);
+        if (excess > 0 || document.size() > room)
+            return Status(
+                kBufferTooSmall,
+                "The reply of " + std::to_string(document.size() + 1) +
+                    " bytes, without histories and with one redirect, does not fit the buffer "
+                    "of " +
+                    std::to_string(room + 1) + " bytes");
+    }
+    *out = std::move(document);
+    return Status::OK();
+}
+
+}  // namespace lxrapi
