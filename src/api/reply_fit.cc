@@ -1,6 +1,7 @@
 #include "reply_fit.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <string_view>
 #include <vector>
 
@@ -13,28 +14,33 @@ namespace {
 
 // One value that may be left out, and what it weighs.
 struct Candidate {
-    std::string_view stamp;  // empty: no readable stamp, older than any dated entry
-    size_t attribute;        // index in UserView::attributes
-    size_t index;            // index in its values
-    size_t bytes;            // what leaving it out saves
+    uint64_t age;      // the stamp's digits as a number; 0 (older than any) without one
+    size_t attribute;  // index in UserView::attributes
+    size_t index;      // index in its values
+    size_t bytes;      // what leaving it out saves
 };
 
-// The stamp when `word` has the form YYYYMMDDhhmmssZ; such stamps order as
-// the instants they name, so they are compared as text.
-std::string_view StampOf(std::string_view word) {
-    if (word.size() != 15 || word[14] != 'Z' || !AllDigits(word.substr(0, 14))) return {};
-    return word;
+// YYYYMMDDhhmmss of a stamp YYYYMMDDhhmmssZ as a number, which orders stamps
+// as the instants they name; 0 for anything else.
+uint64_t StampAge(std::string_view word) {
+    if (word.size() != 15 || word[14] != 'Z') return 0;
+    uint64_t age = 0;
+    for (size_t i = 0; i < 14; ++i) {
+        if (word[i] < '0' || word[i] > '9') return 0;
+        age = age * 10 + static_cast<uint64_t>(word[i] - '0');
+    }
+    return age;
 }
 
-std::string_view AgeOf(ValueForm form, std::string_view value) {
+uint64_t AgeOf(ValueForm form, std::string_view value) {
     std::string_view rest = value;
     std::string_view first = TakeWord(rest);
-    return StampOf(form == ValueForm::kRedirect ? TakeWord(rest) : first);
+    return StampAge(form == ValueForm::kRedirect ? TakeWord(rest) : first);
 }
 
 // Oldest first: by stamp, and of equal stamps the later stored one first.
 bool Older(const Candidate& a, const Candidate& b) {
-    if (a.stamp != b.stamp) return a.stamp < b.stamp;
+    if (a.age != b.age) return a.age < b.age;
     if (a.attribute != b.attribute) return a.attribute > b.attribute;
     return a.index > b.index;
 }
@@ -45,10 +51,13 @@ std::vector<Candidate> EntriesOldestFirst(const UserView& view, ValueForm form) 
     for (size_t a = 0; a < view.attributes.size(); ++a) {
         if (view.attributes[a].info->form != form) continue;
         const std::vector<std::string>& values = view.attributes[a].values;
-        for (size_t i = 0; i < values.size(); ++i)
+        // Last stored first: stores keep the newest first, so one history
+        // comes out in order and needs no sorting.
+        for (size_t i = values.size(); i-- > 0;)
             entries.push_back({AgeOf(form, values[i]), a, i, ValueBytes(values[i])});
     }
-    std::sort(entries.begin(), entries.end(), Older);
+    if (!std::is_sorted(entries.begin(), entries.end(), Older))
+        std::sort(entries.begin(), entries.end(), Older);
     return entries;
 }
 
