@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
-
 namespace lxrapi {
 namespace {
 
@@ -106,24 +104,6 @@ TEST(ReplyFitTest, HistoryLimitKeepsTheNewestOfEachHistory) {
             WriteFittedUserDocument(View(kLogins, kLog, kRedirects), 65535, c.limit, &out).ok());
         EXPECT_EQ(out, WriteUserDocument(c.expected)) << "limit " << c.limit;
     }
-}
-
-TEST(ReplyFitTest, TenThousandEntriesKeepTheNewestThatFit) {
-    Values logins;
-    for (int i = 0; i < 10000; ++i) {
-        char stamp[32];
-        // Newest first, one per minute back from 2026-06-01 00:00.
-        int minutes = 10000 - 1 - i;
-        std::snprintf(stamp, sizeof stamp, "202605%02d%02d%02d00Z", 25 + minutes / 1440,
-                      minutes % 1440 / 60, minutes % 60);
-        logins.push_back(std::string(stamp) + " FAILED 203.0.113.9 bad-password");
-    }
-    std::string out;
-    ASSERT_TRUE(WriteFittedUserDocument(View(logins, {}, {}), 32767, 100000, &out).ok());
-    ASSERT_LE(out.size(), 32767u);
-    size_t kept = (out.size() - Size(View({}, {}, {}))) / ValueBytes(logins[0]);
-    EXPECT_GT(kept, 300u);
-    EXPECT_EQ(out, WriteUserDocument(View(Values(logins.begin(), logins.begin() + kept), {}, {})));
 }
 
 }  // namespace
