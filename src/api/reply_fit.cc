@@ -61,7 +61,8 @@ std::vector<Candidate> EntriesOldestFirst(const UserView& view, ValueForm form) 
     return entries;
 }
 
-// Keeps the values not marked in `dropped`, in their stored order.
+// Leaves out the first `count` of `entries`; the other values keep their
+// stored order.
 void Remove(UserView* view, const std::vector<Candidate>& entries, size_t count) {
     std::vector<std::vector<bool>> dropped(view->attributes.size());
     for (size_t k = 0; k < count; ++k) {
