@@ -2,13 +2,15 @@
 # Web throughput benchmark: LXRAdmin's user display page for a demo user, and
 # a trivial compiled CGI that prints a fixed page, both through the same
 # lighttpd (web/lighttpd.sh) in the same run, measured with wrk on loopback.
-# Then the peak memory of one LXRAdmin process serving that page.
+# Then the peak memory of one LXRAdmin process serving that page, and its CPU
+# time per process against the trivial CGI's (when perf is installed).
 #
 #   bench/web/run.sh [BUILD_DIR] [SECONDS]     (defaults: build, 10)
 #
 # Build first: ninja -C BUILD_DIR LXRAdmin lxrdir web_trivial_cgi
 # Targets: the display page at half the trivial CGI's rate or better; peak
-# resident memory of one LXRAdmin process under 8 MB.
+# resident memory of one LXRAdmin process under 8 MB; its CPU time per
+# process at most twice the trivial CGI's.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/../.." && pwd)
 build=$(cd "${1:-$root/build}" && pwd)
@@ -65,21 +67,39 @@ measure display "$display" >"$work/display.txt"
 read -r _ trivial_rate trivial_bad <"$work/trivial.txt"
 read -r _ display_rate display_bad <"$work/display.txt"
 
-# Peak memory of one process serving the same page, with the CGI environment
-# the server gives it (the agent's headers included).
-peak_kb=$(cd "$(dirname "$exe")" && env -i REQUEST_METHOD=GET \
-  QUERY_STRING="USERDIR=$DEMO_USERDIR&USER=$DEMO_USER" SCRIPT_NAME=/cgi-bin/LXRAdmin \
-  HTTP_KV_USERDN="$AGENT_USERDN" HTTP_USERPATH="$AGENT_USERPATH" \
-  HTTP_KV_AUTHDIRNAMESPACE="$AGENT_NAMESPACE" HTTP_KV_AUTHDIRSERVER="$AGENT_SERVER" \
-  HTTP_LXRADMIN="$AGENT_IDENTITY" LXRAPI_CONFIG="$LXRAPI_CONFIG" \
-  /usr/bin/time -f '%M' "$exe" 2>&1 >/dev/null | tail -1)
+# One process serving the same page, with the CGI environment the server
+# gives it (the agent's headers included) and nothing in between.
+as_cgi() {
+  (cd "$(dirname "$exe")" && env -i REQUEST_METHOD=GET \
+    QUERY_STRING="USERDIR=$DEMO_USERDIR&USER=$DEMO_USER" SCRIPT_NAME=/cgi-bin/LXRAdmin \
+    HTTP_KV_USERDN="$AGENT_USERDN" HTTP_USERPATH="$AGENT_USERPATH" \
+    HTTP_KV_AUTHDIRNAMESPACE="$AGENT_NAMESPACE" HTTP_KV_AUTHDIRSERVER="$AGENT_SERVER" \
+    HTTP_LXRADMIN="$AGENT_IDENTITY" LXRAPI_CONFIG="$LXRAPI_CONFIG" LXR_NOW="$LXR_NOW" "$@")
+}
+peak_kb=$(as_cgi /usr/bin/time -f '%M' "$exe" 2>&1 >/dev/null | tail -1)
+
+# CPU time per process (perf stat task-clock, which other load disturbs far
+# less than throughput): the display page and the trivial CGI, in turns.
+cpu_display=0 cpu_trivial=0
+if command -v perf >/dev/null 2>&1; then
+  task_clock() { "$@" 2>&1 >/dev/null | awk -F, '/task-clock/ {print $1}'; }
+  for _ in 1 2; do
+    t=$(task_clock env -i perf stat -r 300 -x, -e task-clock "$trivial")
+    d=$(task_clock as_cgi perf stat -r 300 -x, -e task-clock "$exe")
+    echo "task-clock ms: trivial $t, display $d" >&2
+    cpu_trivial=$(awk -v a="$cpu_trivial" -v b="$t" 'BEGIN {print a + b}')
+    cpu_display=$(awk -v a="$cpu_display" -v b="$d" 'BEGIN {print a + b}')
+  done
+fi
 
 awk -v t="$trivial_rate" -v d="$display_rate" -v tb="$trivial_bad" -v db="$display_bad" \
-    -v kb="$peak_kb" -v secs="$seconds" 'BEGIN {
+    -v kb="$peak_kb" -v secs="$seconds" -v ct="$cpu_trivial" -v cd="$cpu_display" 'BEGIN {
   printf "wrk -t2 -c8 -d%ss on 127.0.0.1, same lighttpd\n", secs
   printf "%-28s %12s %10s\n", "page", "requests/s", "non-2xx"
   printf "%-28s %12.1f %10d\n", "trivial CGI (fixed page)", t, tb
   printf "%-28s %12.1f %10d\n", "LXRAdmin user display page", d, db
   printf "display / trivial = %.2f (target: at least 0.50)\n", d / t
   printf "peak RSS of one LXRAdmin process: %.1f MB (target: under 8 MB)\n", kb / 1024
+  if (ct > 0)
+    printf "CPU per process: display %.2f ms, trivial %.2f ms, ratio %.2f (target: at most 2.0)\n", cd / 2, ct / 2, cd / ct
 }'

@@ -102,9 +102,13 @@ extern "C" int LXRAdminRead(const char* identity, const char* administratorPath,
         int count = 0;
         if (s.ok()) {
             lxrapi::ConfiguredStores stores(*config);
+            // The room for the document itself; its terminating zero takes the last byte.
+            size_t room = replySize > 0 ? static_cast<size_t>(replySize) - 1 : 0;
             s = lxrapi::ReadUser(*config, stores, Text(identity), Text(administratorPath),
-                                 Text(userPath), &document, &count, words);
+                                 Text(userPath), room, &document, &count, words);
         }
+        // A reply that cannot be made to fit leaves an empty text, as PutReply does.
+        if (s.code() == lxrapi::kBufferTooSmall && reply && replySize > 0) reply[0] = '\0';
         if (!s.ok()) return Fail(s, words, message, messageSize);
         int rc = PutReply(document, reply, replySize, words, message, messageSize);
         if (rc != 0) return rc;

@@ -394,17 +394,24 @@ bool EachTable(Reader& r, const toml::table& root, const char* key, Fn fn) {
     return true;
 }
 
+// A table that holds one whole number, such as [store] busy_timeout_ms.
+bool OneSetting(Reader& r, const toml::table& root, const char* table, const char* key, int low,
+                int high, int* out) {
+    const toml::node* node = root.get(table);
+    if (!node) return true;
+    const toml::table* t = node->as_table();
+    if (!t) return r.Fail(Reader::Line(*node), std::string("'") + table + "' must be a table");
+    std::string where = std::string("[") + table + "]";
+    return r.OnlyKeys(*t, where.c_str(), {key}) && r.Int(*t, key, where.c_str(), low, high, out);
+}
+
 bool ReadRoot(Reader& r, const toml::table& root, Config* config) {
     if (!r.OnlyKeys(root, "the file",
-                    {"administrators", "store", "policy", "directory", "role", "ldap"}))
+                    {"administrators", "store", "read", "policy", "directory", "role", "ldap"}))
         return false;
-    if (const toml::node* node = root.get("store")) {
-        const toml::table* t = node->as_table();
-        if (!t) return r.Fail(Reader::Line(*node), "'store' must be a table");
-        if (!r.OnlyKeys(*t, "[store]", {"busy_timeout_ms"}) ||
-            !r.Int(*t, "busy_timeout_ms", "[store]", 0, 600000, &config->busyTimeoutMs))
-            return false;
-    }
+    if (!OneSetting(r, root, "store", "busy_timeout_ms", 0, 600000, &config->busyTimeoutMs) ||
+        !OneSetting(r, root, "read", "history_limit", 1, 100000, &config->historyLimit))
+        return false;
     if (const toml::node* node = root.get("policy")) {
         if (!node->as_table()) return r.Fail(Reader::Line(*node), "'policy' must be a table");
         if (!ReadPolicy(r, *node->as_table(), &config->policy)) return false;

@@ -102,6 +102,7 @@ struct Config {
     std::string path;          // the file it came from
     std::string adminStore;    // absolute path of the store that holds administrators
     int busyTimeoutMs = 5000;  // how long a store waits for a lock
+    int historyLimit = 100;    // [read] history_limit: entries of each history shown at most
     Policy policy;
     std::vector<DirectoryConfig> directories;
     std::vector<Role> roles;

@@ -26,6 +26,7 @@ TEST(ConfigTest, ReadsDirectoriesRolesAndPolicy) {
     EXPECT_EQ(c.directories[0].FindGroup("locked"), nullptr);  // the DN's value is not its id
     EXPECT_EQ(c.directories[1].FindGroup("vpn"), nullptr);
     EXPECT_EQ(c.policy.passwordExpireDays, 100);
+    EXPECT_EQ(c.historyLimit, 50);
     EXPECT_EQ(c.policy.password.scheme, "sha512-crypt");
     EXPECT_EQ(c.adminStore, "/mem/admins");
     ASSERT_NE(c.FindRole("DESK"), nullptr);
@@ -73,6 +74,7 @@ TEST(ConfigTest, FaultsNameFileLineAndProblem) {
         {dir + "[[role]]\nname = \"r\"\nadministrators = \"*\"\n", 5, "must list DNs"},
         {dir + role + "read = [1]\n", 8, "must hold non-empty strings"},
         {dir + role + "[policy]\nmax_failures = -1\n", 9, "from 0 to 1000"},
+        {dir + role + "[read]\nhistory_limit = 0\n", 9, "[read]: 'history_limit' must be"},
         {dir + role + "[policy.password]\nscheme = \"md5\"\n", 8, "'scheme' must be"},
         {dir + role + "[policy.password]\nmin_length = 40\n", 8, "exceeds max_length"},
         {dir, 1, "no [[role]]"},

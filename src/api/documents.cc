@@ -4,6 +4,9 @@ namespace lxrapi {
 
 namespace {
 
+constexpr std::string_view kValueOpen = "      <Value>";
+constexpr std::string_view kValueClose = "</Value>\n";
+
 const char* Bool(bool b) {
     return b ? "true" : "false";
 }
@@ -41,9 +44,9 @@ void WriteAttribute(std::string& out, const AttributeView& a) {
     out += Bool(a.write);
     out += "\">\n";
     for (const std::string& v : a.values) {
-        out += "      <Value>";
+        out += kValueOpen;
         out += v;
-        out += "</Value>\n";
+        out += kValueClose;
     }
     out += "    </Attribute>\n";
 }
@@ -69,6 +72,10 @@ void WriteGroup(std::string& out, const GroupView& g) {
 }
 
 }  // namespace
+
+size_t ValueBytes(std::string_view value) {
+    return kValueOpen.size() + value.size() + kValueClose.size();
+}
 
 std::string WriteDirectoryList(const std::vector<const DirectoryConfig*>& directories) {
     std::string out = "<UserDirectories>\n";

@@ -4,7 +4,9 @@
 // "false", Group always self-closing, values raw up to "</Value>".
 #pragma once
 
+#include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "attributes.h"
@@ -42,5 +44,8 @@ std::string WriteDirectoryList(const std::vector<const DirectoryConfig*>& direct
 // <User name=... [disabled=...]> with one Section per section that has
 // attributes, the attributes in it, and a last section of groups.
 std::string WriteUserDocument(const UserView& user);
+
+// The bytes that one value of an attribute adds to the User document.
+size_t ValueBytes(std::string_view value);
 
 }  // namespace lxrapi

@@ -7,6 +7,7 @@
 #include "documents.h"
 #include "message.h"
 #include "password.h"
+#include "reply_fit.h"
 #include "text.h"
 #include "update_document.h"
 
@@ -161,8 +162,8 @@ Status GetDirectories(const Config& config, std::string_view identity, std::stri
 }
 
 Status ReadUser(const Config& config, StoreProvider& stores, std::string_view identity,
-                std::string_view administratorPath, std::string_view userPath, std::string* reply,
-                int* attributeCount, const Translator& words) {
+                std::string_view administratorPath, std::string_view userPath, size_t room,
+                std::string* reply, int* attributeCount, const Translator& words) {
     const Role* role = nullptr;
     std::string adminDn;
     Status s = Authorize(config, stores, identity, administratorPath, &role, &adminDn);
@@ -170,8 +171,10 @@ Status ReadUser(const Config& config, StoreProvider& stores, std::string_view id
     FoundUser found;
     if (!(s = FindUser(config, stores, *role, userPath, &found)).ok()) return s;
     UserView view = BuildView(config, *role, found, words);
-    *reply = WriteUserDocument(view);
-    *attributeCount = static_cast<int>(view.attributes.size());
+    int count = static_cast<int>(view.attributes.size());
+    if (!(s = WriteFittedUserDocument(std::move(view), room, config.historyLimit, reply)).ok())
+        return s;
+    *attributeCount = count;
     return Status::OK();
 }
 

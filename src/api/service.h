@@ -3,6 +3,7 @@
 // buffers; tests call these directly with in-memory stores.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -21,11 +22,14 @@ Status GetDirectories(const Config& config, std::string_view identity, std::stri
 // an empty identifier searches every directory of the role in order. The user
 // part is a DN below the directory's base or a name matched exactly, without
 // regard to (ASCII) case, against the directory's naming attributes.
-// `attributeCount` receives the number of Attribute elements in the reply.
-// The disabled reasons are written in the language of `words`.
+// The reply takes at most `room` bytes: long histories lose their oldest
+// entries to fit (reply_fit.h), and at most `config.historyLimit` entries of
+// each history are shown. `attributeCount` receives the number of Attribute
+// elements in the reply. The disabled reasons are written in the language of
+// `words`.
 Status ReadUser(const Config& config, StoreProvider& stores, std::string_view identity,
-                std::string_view administratorPath, std::string_view userPath, std::string* reply,
-                int* attributeCount, const Translator& words = Translator());
+                std::string_view administratorPath, std::string_view userPath, size_t room,
+                std::string* reply, int* attributeCount, const Translator& words = Translator());
 
 // Applies an update document in one transaction, all or nothing, and records
 // it in the store's audit trail. Checks every attribute and group against the

@@ -17,7 +17,7 @@ class ServiceTest : public ::testing::Test {
     Status Read(const char* role, const char* admin, const char* userPath, int* count = nullptr) {
         int n = -1;
         reply_.clear();
-        Status s = ReadUser(f_.config, f_.stores, role, admin, userPath, &reply_, &n);
+        Status s = ReadUser(f_.config, f_.stores, role, admin, userPath, 65535, &reply_, &n);
         if (count) *count = n;
         if (s.ok()) {
             EXPECT_TRUE(checker_.ReadUser(reply_, &user_)) << checker_.error << reply_;

@@ -21,6 +21,9 @@ inline const char* kConfigText = R"(
 [administrators]
 store = "/mem/admins"
 
+[read]
+history_limit = 50
+
 [policy]
 max_failures = 5
 password_expire_days = 100

@@ -82,10 +82,10 @@ function changes(before, after) {
 }
 
 // One CGI request as the web agent hands it over; returns status and body.
-function request(method, query, { admin = 'uid=hd.lead,ou=admins,o=example', body = '' } = {}) {
+function request(method, query, { admin = 'uid=hd.lead,ou=admins,o=example', body = '', api = config } = {}) {
   const env = {
     LXR_NOW: NOW,
-    LXRAPI_CONFIG: config,
+    LXRAPI_CONFIG: api,
     LXRADMIN_CATALOGUE: path.join(work, 'no-catalogue'),
     REQUEST_METHOD: method,
     QUERY_STRING: query,
@@ -238,4 +238,65 @@ test('a redirect box other than the last is lost to the last same-named field', 
     'MAIL=https://mail.example.com/ 20260215103000Z 10.1.1.1 new-webmail',
   ]);
   assert.deepEqual(changed, {});
+});
+
+// A user under a password-guessing attack: 10,000 login-history entries, one
+// a minute back from the reference time, stored newest first. Each entry's
+// last word is its age rank, 0 for the newest.
+const ATTACKS = 10000;
+function stampOf(minutesBack) {
+  return new Date(Date.UTC(2026, 5, 1, 11, 59) - minutesBack * 60000)
+    .toISOString().replace(/[-:T]/g, '').replace(/\.\d+Z$/, 'Z');
+}
+
+// The rank words of the history entries a page shows, in page order.
+function shownLogins(html) {
+  const body = html.slice(html.indexOf('function ShowDetail_kvlxrLoginHistory'));
+  const script = body.slice(0, body.indexOf('</SCRIPT>'));
+  return [...script.matchAll(/LogEntry\(W, '[^']*', '[^']*', '[^']*', 'try-(\d+)'\);/g)].map((m) => Number(m[1]));
+}
+const newest = (n) => Array.from({ length: n }, (_, i) => i);
+
+test('a user with 10,000 login-history entries is shown, read and cleared', () => {
+  const lines = ['dn: uid=hammer,ou=staff,o=example', 'objectClass: inetOrgPerson', 'uid: hammer',
+    'cn: Hank Hammer', 'sn: Hammer', `kvlxrFailureCount: 9 ${stampOf(0)} 203.0.113.66`];
+  for (let i = 0; i < ATTACKS; i++) lines.push(`kvlxrLoginHistory: ${stampOf(i)} FAILED 203.0.113.66 try-${i}`);
+  const ldif = path.join(work, 'hammer.ldif');
+  fs.writeFileSync(ldif, lines.join('\n') + '\n');
+  execFileSync(LXRDIR, ['import', store, ldif], { stdio: 'ignore' });
+  // The same directory with no history limit worth the name: only the room
+  // that the caller offers cuts the history.
+  const unlimited = path.join(work, 'unlimited.toml');
+  fs.writeFileSync(unlimited, fs.readFileSync(config, 'utf8').replace(/^history_limit = \d+/m, 'history_limit = 100000'));
+
+  // The demo configuration shows the 100 newest, newest first.
+  const page = request('GET', 'USERDIR=staff&USER=hammer');
+  assert.equal(page.status, '200 OK');
+  assert.match(page.body, /DISABLEDISPLAY">Failure&nbsp;count&nbsp;9&nbsp;reached/);
+  assert.deepEqual(shownLogins(page.body), newest(100));
+
+  // Without the limit the page shows as many of the newest as fit.
+  const full = request('GET', 'USERDIR=staff&USER=hammer', { api: unlimited });
+  assert.equal(full.status, '200 OK');
+  const shown = shownLogins(full.body);
+  assert.ok(shown.length > 500 && shown.length < ATTACKS, `${shown.length} entries shown`);
+  assert.deepEqual(shown, newest(shown.length));
+  assert.match(full.body, /<INPUT TYPE="CHECKBOX" NAME="kvlxrLoginHistory" VALUE="YES">/);
+
+  // The command line offers less room and reads the same user.
+  const cli = spawnSync(EXE, ['-ALDAP://demo/uid=hd.lead,ou=admins,o=example', '-Chelpdesk', '-Rstaff/hammer'], {
+    cwd: work, env: { LXR_NOW: NOW, LXRAPI_CONFIG: unlimited, LXRADMIN_CATALOGUE: path.join(work, 'no-catalogue') },
+    encoding: 'utf8',
+  });
+  assert.equal(cli.status, 0, cli.stderr);
+  assert.ok(cli.stdout.startsWith('<User name="uid=hammer,ou=staff,o=example" disabled="Failure count 9'));
+  const ranks = [...cli.stdout.matchAll(/FAILED 203\.0\.113\.66 try-(\d+)<\/Value>/g)].map((m) => Number(m[1]));
+  assert.ok(ranks.length > 200 && ranks.length < shown.length, `${ranks.length} entries read`);
+  assert.deepEqual(ranks, newest(ranks.length));
+
+  // Clearing from the page clears all 10,000, shown or not.
+  const { fields, changed } = roundTrip('hammer', (p) => p.tick('kvlxrLoginHistory'), { api: unlimited });
+  assert.deepEqual(valuesOf(fields, 'kvlxrLoginHistory'), ['1']);
+  assert.deepEqual(changed, { [dnOf('hammer')]: { kvlxrLoginHistory: [] } });
+  assert.deepEqual(shownLogins(request('GET', 'USERDIR=staff&USER=hammer').body), []);
 });

@@ -51,9 +51,14 @@ Status ParseRecord(char* record, const std::string& name, unsigned long line, En
         }
         if (v.find('\0') != std::string::npos)
             return Fault(name, line, "binary values are not kept (attribute " + t + ")");
-        std::vector<std::string> values = entry->Values(t);
-        values.push_back(v);
-        entry->Set(t, values);
+        // Appended in place: a user's history may hold thousands of values.
+        EntryAttribute* attribute = nullptr;
+        for (EntryAttribute& a : entry->attributes)
+            if (!attribute && EqualsNoCase(a.name, t)) attribute = &a;
+        if (attribute)
+            attribute->values.push_back(std::move(v));
+        else
+            entry->attributes.push_back({std::move(t), {std::move(v)}});
     }
     if (entry->dn.empty()) {
         if (!sawVersion) return Fault(name, line, "a record without dn:");
