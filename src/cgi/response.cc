@@ -36,6 +36,15 @@ int EntryQuality(const std::string& entry, size_t semicolon) {
 
 }  // namespace
 
+std::string HeaderValue(const char* text) {
+    std::string out;
+    for (const char* p = text ? text : ""; *p; ++p) {
+        unsigned char c = static_cast<unsigned char>(*p);
+        if (c >= 0x20 && c != 0x7F) out += *p;
+    }
+    return out;
+}
+
 void SetCharSet() {
     CKvGetEnv accept("HTTP_ACCEPT_CHARSET");
     if (accept.c_str() == nullptr) {
@@ -56,7 +65,8 @@ void SetCharSet() {
 
 void HTTPHeader(const char* status) {
     if (bOutputHTTPHeader) return;
-    prtFormatter.printf("Status: %s\nContent-Type: text/html;charset=%s\n\n", status, charsetUsed);
+    prtFormatter.printf("Status: %s\nContent-Type: text/html;charset=%s\n\n", HeaderValue(status),
+                        HeaderValue(charsetUsed.c_str()));
     bOutputHTTPHeader = true;
 }
 
@@ -96,9 +106,9 @@ void Redirect(const char* url, const char* query, bool encodeQuery) {
         target += encodeQuery ? URLEncode(query) : std::string(query);
     }
     prtFormatter.printf("Status: 302 Moved Temporarily\n");
-    prtFormatter.printf("Content-Type: text/html;charset=%s\n", charsetUsed);
+    prtFormatter.printf("Content-Type: text/html;charset=%s\n", HeaderValue(charsetUsed.c_str()));
     prtFormatter.printf("Expires: Mon, 10 Apr 2000 00:00:01 GMT\n");
-    prtFormatter.printf("Location: %s\n\n", target);
+    prtFormatter.printf("Location: %s\n\n", HeaderValue(target.c_str()));
 }
 
 int SortAcceptHeader(std::string& header, std::vector<std::string>& result) {

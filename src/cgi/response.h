@@ -15,6 +15,13 @@ extern bool bOutputHTTPHeader;
 // "UTF-8" when every entry is refused.
 void SetCharSet();
 
+// `text` without its control characters (below 0x20, and 0x7F), for a header
+// line: a CR or LF from a decoded argument, a catalogue entry or the request
+// must never end the line and start a header of its own. Every header value
+// that HTTPHeader and Redirect write passes through it; ordinary values come
+// out unchanged. Null gives "".
+std::string HeaderValue(const char* text);
+
 // Writes "Status: ...\nContent-Type: text/html;charset=...\n\n" once.
 void HTTPHeader(const char* status);
 
