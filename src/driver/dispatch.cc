@@ -199,8 +199,8 @@ bool ForeignPost() {
 int PostFlow(const char* identity, const std::string& adminPath, char* message, char* status) {
     // Refused before the body is read: nothing of a forged post is used.
     if (ForeignPost()) {
-        return Fail("KV-LXR-15011", "The request came from another site and was refused.",
-                    message, status);
+        return Fail("KV-LXR-15011", "The request came from another site and was refused.", message,
+                    status);
     }
     std::string document;
     GetFields();

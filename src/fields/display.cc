@@ -7,8 +7,8 @@
 #include "fields/dates.h"
 #include "fields/field_model.h"
 #include "fields/field_util.h"
-#include "html/output_profile.h"
 #include "fields/redirect_entry.h"
+#include "html/output_profile.h"
 
 using fields::kStampLength;
 using fields::Put;
@@ -141,7 +141,8 @@ void outHistory(const char* value, int, bool, bool) {
     if (more) {
         std::string word = NextToken(cursor);
         // The status word is markup of ours around the directory's word.
-        status = OutScript("<span class=\"STATUS" + OutAttr(word) + "\">" + OutText(word) + "</span>");
+        status =
+            OutScript("<span class=\"STATUS" + OutAttr(word) + "\">" + OutText(word) + "</span>");
         address = OutScriptHtml(NextToken(cursor));
         rest = OutScriptHtml(cursor);
     }

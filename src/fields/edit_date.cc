@@ -86,7 +86,8 @@ Finisher ResetToNow(ResetKind kind, const char* name, const char* value) {
     Put("<table border=\"0\">\n");
     Put("<tr>");
     Put("<td width=\"1\">\n");
-    prtFormatter.printf("<INPUT TYPE=\"RADIO\" NAME=\"%s\" VALUE=\"%s\" CHECKED>", name, OutAttr(value));
+    prtFormatter.printf("<INPUT TYPE=\"RADIO\" NAME=\"%s\" VALUE=\"%s\" CHECKED>", name,
+                        OutAttr(value));
     Put("</td>\n");
     Put("<td>");
     if (kind == ResetKind::kDateComment) {

@@ -2,8 +2,8 @@
 
 #include "fields/display.h"
 #include "fields/field_util.h"
-#include "html/output_profile.h"
 #include "fields/redirect_entry.h"
+#include "html/output_profile.h"
 
 using fields::AddFragment;
 using fields::Put;
@@ -78,8 +78,7 @@ Finisher inGenRedirect(const char* name, const char* value, int index, bool firs
         AddFragment(DataMoves, kRedirectMoveSingle, name, name, key, name, entryValue);
     } else {
         long at = index;
-        AddFragment(DataMoves, kRedirectMoveIndexed, name, at, name, at, key, name, at,
-                    entryValue);
+        AddFragment(DataMoves, kRedirectMoveIndexed, name, at, name, at, key, name, at, entryValue);
     }
     // The entry's hidden field is made by the caller; the n-th checkbox and
     // the n-th hidden field belong together.

@@ -35,8 +35,7 @@ void StandardHead() {
 
 }  // namespace
 
-void ErrorPageOrRedirect(const char* message, const char* statusKey, char* status,
-                         int statusSize) {
+void ErrorPageOrRedirect(const char* message, const char* statusKey, char* status, int statusSize) {
     if (IsURL(message)) {
         Redirect(message, nullptr, true);
         return;

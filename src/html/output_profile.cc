@@ -1,8 +1,9 @@
 #include "html/output_profile.h"
 
+#include <strings.h>
+
 #include <cctype>
 #include <cstring>
-#include <strings.h>
 
 #include "html/escape.h"
 #include "platform/env.h"

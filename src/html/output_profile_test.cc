@@ -53,7 +53,7 @@ TEST(OutputProfileTest, StrictAddressesAreRelativeOrHttp) {
         {"JavaScript:alert(1)", false},
         {"data:text/html,<script>", false},
         {"vbscript:x", false},
-        {" javascript:alert(1)", false},  // browsers skip the blank
+        {" javascript:alert(1)", false},   // browsers skip the blank
         {"java\nscript:alert(1)", false},  // and drop the line end
         {"java\tscript:alert(1)", false},
         {"http://x/\r\nSet-Cookie: a", false},

@@ -50,7 +50,8 @@ void WriteCheckbox(const GroupElement& group) {
     bool member = group.member == Membership::kMember;
     if (member) prtFormatter.printf(" checked");
     AddOutputField("GROUP-" + group.name, member ? "1" : "0");
-    if (!group.reasoncode.empty()) prtFormatter.printf(" onClick=\"CheckDisabled('%s');\"", handlerName);
+    if (!group.reasoncode.empty())
+        prtFormatter.printf(" onClick=\"CheckDisabled('%s');\"", handlerName);
     DataMoves.emplace_back(
         prtFormatter.sprintf("if (document.DisplayForm.elements['GROUP-%s'].checked)\n"
                              "        document.PostForm.elements['GROUP-%s'].value = '1';\n"

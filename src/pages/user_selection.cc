@@ -1,4 +1,3 @@
-#include "pages/page_parts.h"
 #include "pages/user_selection.h"
 
 #include "cgi/fields.h"
@@ -8,6 +7,7 @@
 #include "html/page.h"
 #include "i18n/language.h"
 #include "pages/directory_list.h"
+#include "pages/page_parts.h"
 #include "platform/env.h"
 #include "platform/formatter.h"
 
@@ -38,7 +38,8 @@ void WriteDirectoryRow(const DirectoryTable& table, char* text) {
     prtFormatter.printf("<td><select name=\"USERDIR\" size=\"1\">\n");
     // No option is pre-selected and, as always, none is closed.
     for (const auto& entry : table) {
-        prtFormatter.printf("<option value=\"%s\">%s\n", OutAttr(entry.second), OutText(entry.first));
+        prtFormatter.printf("<option value=\"%s\">%s\n", OutAttr(entry.second),
+                            OutText(entry.first));
     }
     prtFormatter.printf("</select></td>\n");
     prtFormatter.printf("</tr>\n");
