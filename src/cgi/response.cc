@@ -7,6 +7,7 @@
 #include <map>
 
 #include "cgi/fields.h"
+#include "html/output_profile.h"
 #include "platform/env.h"
 #include "platform/formatter.h"
 #include "platform/utf8.h"
@@ -65,8 +66,15 @@ void SetCharSet() {
 
 void HTTPHeader(const char* status) {
     if (bOutputHTTPHeader) return;
-    prtFormatter.printf("Status: %s\nContent-Type: text/html;charset=%s\n\n", HeaderValue(status),
+    prtFormatter.printf("Status: %s\nContent-Type: text/html;charset=%s\n", HeaderValue(status),
                         HeaderValue(charsetUsed.c_str()));
+    // The strict profile also keeps other sites from framing the pages,
+    // where the server does not already say so.
+    if (StrictOutput()) {
+        prtFormatter.printf("X-Frame-Options: DENY\n");
+        prtFormatter.printf("Content-Security-Policy: frame-ancestors 'none'\n");
+    }
+    prtFormatter.printf("\n");
     bOutputHTTPHeader = true;
 }
 

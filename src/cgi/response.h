@@ -22,7 +22,9 @@ void SetCharSet();
 // out unchanged. Null gives "".
 std::string HeaderValue(const char* text);
 
-// Writes "Status: ...\nContent-Type: text/html;charset=...\n\n" once.
+// Writes "Status: ...\nContent-Type: text/html;charset=...\n\n" once; in the
+// strict output profile X-Frame-Options and a frame-ancestors policy stand
+// before the blank line.
 void HTTPHeader(const char* status);
 
 // Writes a whole 302 response (headers only) to `url`. A "<NAME>" in `url`

@@ -10,6 +10,7 @@
 // insert texts as they arrive, byte for byte as they always have).
 import assert from 'node:assert/strict';
 import fs from 'node:fs';
+import net from 'node:net';
 import path from 'node:path';
 import { after, before, describe, test } from 'node:test';
 import { attackCases, hostileLdif, startAttackerSite } from './lib/attacks.mjs';
@@ -30,9 +31,11 @@ const SETUPS = [
       dirserver: 'ldap.example.com' }),
   },
   {
-    name: 'bare program, strict profile', mustBeZero: true,
-    start: (demo) => startLighttpd({ agent: path.join(demo.dir, 'agent.conf'), flags: ['--no-guard'],
-      env: { ...demo.serverEnv, LXR_OUTPUT_PROFILE: 'strict' } }),
+    // The program's own switches, without the server's refusals.
+    name: 'bare program, strict profile and origin check', mustBeZero: true,
+    start: (demo, port) => startLighttpd({ agent: path.join(demo.dir, 'agent.conf'),
+      flags: ['--no-guard', '--port', String(port)],
+      env: { ...demo.serverEnv, LXR_OUTPUT_PROFILE: 'strict', LXR_ORIGIN: `http://127.0.0.1:${port}` } }),
   },
   {
     name: 'bare program, default profile', mustBeZero: false,
@@ -40,6 +43,17 @@ const SETUPS = [
       env: demo.serverEnv }),
   },
 ];
+
+// A loopback port nothing listens on now, for a server that must know its
+// own origin before it starts.
+function freePort() {
+  return new Promise((resolve) => {
+    const probe = net.createServer().listen(0, '127.0.0.1', () => {
+      const { port } = probe.address();
+      probe.close(() => resolve(port));
+    });
+  });
+}
 
 const CASES = attackCases();
 const results = new Map();  // setup name -> [{ id, kind, script, changed, framed }]
@@ -85,7 +99,7 @@ for (const setup of SETUPS) {
       demo = new DemoDirectory({ ldif: hostileLdif(path.join(tempDir('ldif'), 'hostile.ldif')) });
       demo.openToAll();
       demo.serverEnv = { LXRAPI_CONFIG: demo.env.LXRAPI_CONFIG, LXR_NOW: demo.env.LXR_NOW };
-      server = setup.start(demo);
+      server = setup.start(demo, await freePort());
       context = await launchBrowser(setup.login
         ? { httpCredentials: { username: 'desk', password: ADMIN.password } } : {});
       context.setDefaultTimeout(8000);

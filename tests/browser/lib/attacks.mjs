@@ -147,7 +147,7 @@ export function attackCases() {
     ['refl05', 'selection: CancelTo markup', `${PROGRAM}?CancelTo=${encodeURIComponent(BREAK_ATTR)}`],
     ['refl06', 'display: CancelTo javascript:', display('alice', '&CancelTo=javascript:xss()')],
     ['refl07', 'display: argument in the way back', display('alice', `&Mode=${encodeURIComponent("';xss();'")}`)],
-    ['refl08', 'display: CancelTo inside LXRAdminARGS', display('alice', '&LXRAdminARGS=CancelTo%3Djavascript:xss()%26')],
+    ['refl08', 'display: CancelTo inside LXRAdminARGS', display('alice', '&LXRAdminARGS=CancelTo%3Djavascript:xss()%26&z=1')],
     ['refl09', 'display: CancelTo markup', display('alice', `&CancelTo=${encodeURIComponent(BREAK_ATTR)}`)],
     ['refl10', 'error page: user name', `${PROGRAM}?USERDIR=staff&USER=${encodeURIComponent(IMG)}`],
     ['refl11', 'selection: LXRAdminARGS encoded twice',
