@@ -113,6 +113,7 @@ for (const setup of SETUPS) {
     test(`runs the corpus (${setup.mustBeZero ? 'no case may succeed' : 'count recorded'})`, async () => {
       const base = server.url;
       const opened = [];
+      let shown = 0;  // display pages of ours shown in the current case
       const t = {
         base,
         attacker,
@@ -122,6 +123,10 @@ for (const setup of SETUPS) {
           opened.push(page);
           await page.goto(url, { waitUntil: 'load' }).catch(() => {});
           await page.waitForTimeout(400);
+          if (url.startsWith(base) && await page.evaluate(() => !!document.forms.DisplayForm)
+            .catch(() => false)) {
+            shown += 1;
+          }
           return page;
         },
         async clickCancel(page) {
@@ -151,11 +156,14 @@ for (const setup of SETUPS) {
         demo.restore();
         const beforeEntries = demo.entries();
         scriptRuns = 0;
+        shown = 0;
         const outcome = (await c.run(t)) ?? {};
         await new Promise((r) => setTimeout(r, 200));
         const changed = c.kind !== 'page' &&
           Object.keys(changes(beforeEntries, demo.entries())).length > 0;
         rows.push({ id: c.id, kind: c.kind, script: scriptRuns > 0, changed, framed: !!outcome.framed });
+        // A zero means something only if the hostile user's page was shown.
+        if (c.kind === 'stored') assert.ok(shown > 0, `${c.id}: the user's page was shown`);
         for (const p of opened.splice(0)) await p.close().catch(() => {});
       }
       results.set(setup.name, rows);
