@@ -24,7 +24,7 @@ const PROGRAM = '/cgi-bin/LXRAdmin';
 const BREAK_ATTR = '"><svg/onload=xss()>';
 const BREAK_SCRIPT = "');xss();('";
 const END_SCRIPT = '</SCRIPT><svg/onload=xss()>';
-const IMG = '<img/src=x/onerror=xss()>';
+const IMG = '<img/src/onerror=xss()>';
 
 // uid -> [attribute, hostile value]: one value form each, stored as LDIF.
 export const STORED = [
@@ -39,7 +39,7 @@ export const STORED = [
   ['atk09', 'kvlxrFailureCount', BREAK_ATTR],
   ['atk10', 'kvlxrLoginHistory', `20260531083015Z SUCCESS 10.0.0.21 ${BREAK_SCRIPT}`],
   ['atk11', 'kvlxrLoginHistory', `20260531083015Z SUCCESS 10.0.0.21 ${IMG}`],
-  ['atk12', 'kvlxrLoginHistory', `20260531083015Z x"><img/src=x/onerror=xss()> 10.0.0.21 b`],
+  ['atk12', 'kvlxrLoginHistory', `20260531083015Z x"><img/src/onerror=xss()> 10.0.0.21 b`],
   ['atk13', 'kvlxrLoginHistory', `20260531083015Z SUCCESS 10.0.0.21 ${END_SCRIPT}`],
   ['atk14', 'kvfpsLog', `20260401090000Z PASSWORDCHANGE 10.0.0.21 ${BREAK_SCRIPT}`],
   ['atk15', 'kvlxrGenerationalRedirects', `PORTAL=https://x/${BREAK_ATTR} 20260101000000Z 10.1.1.1 m`],
@@ -139,6 +139,7 @@ export function attackCases() {
     });
   }
 
+  // LXRAdminARGS is expanded only when an "&" follows it, hence "&z=1".
   const reflected = [
     ['refl01', 'selection: argument value', `${PROGRAM}?x=${encodeURIComponent(BREAK_ATTR)}`],
     ['refl02', 'selection: argument name', `${PROGRAM}?${encodeURIComponent(BREAK_ATTR)}=1`],
@@ -151,7 +152,7 @@ export function attackCases() {
     ['refl09', 'display: CancelTo markup', display('alice', `&CancelTo=${encodeURIComponent(BREAK_ATTR)}`)],
     ['refl10', 'error page: user name', `${PROGRAM}?USERDIR=staff&USER=${encodeURIComponent(IMG)}`],
     ['refl11', 'selection: LXRAdminARGS encoded twice',
-      `${PROGRAM}?LXRAdminARGS=${encodeURIComponent(`x=${encodeURIComponent(BREAK_ATTR)}&`)}`],
+      `${PROGRAM}?LXRAdminARGS=${encodeURIComponent(`x=${encodeURIComponent(BREAK_ATTR)}&`)}&z=1`],
     ['refl12', 'selection: HTML-encoded quote', `${PROGRAM}?x=%26quot;%3E${encodeURIComponent(IMG)}`],
   ];
   for (const [id, what, url] of reflected) {
