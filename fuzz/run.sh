@@ -17,8 +17,10 @@
 # LXR_FUZZ_PARALLEL (default 2) of them at a time, at the lowest priority
 # (nice 19) so that the machine stays usable. Each target's output goes to
 # build-fuzz/campaign/<target>.log; at the end a table gives, per target, the
-# executions, the corpus size and the crash inputs found. Start it in the
-# background, e.g.
+# executions, the corpus size and the crash inputs found. An input counts as
+# hanging after LXR_FUZZ_TIMEOUT seconds (10 in the short run; 60 in a
+# campaign, whose lowest priority lets a busy machine stall a run for a while).
+# Start it in the background, e.g.
 #
 #   nohup fuzz/run.sh --campaign 30 > build-fuzz/campaign.log 2>&1 &
 #
@@ -27,8 +29,10 @@
 set -u -o pipefail
 
 campaign=0
+timeout=${LXR_FUZZ_TIMEOUT:-10}
 if [ "${1:-}" = "--campaign" ]; then
     campaign=1
+    timeout=${LXR_FUZZ_TIMEOUT:-60}
     shift
     seconds=$((${1:?fuzz/run.sh: --campaign needs the minutes per target} * 60))
 else
@@ -89,7 +93,7 @@ fuzz_one() {
     fi
 
     echo "== $name: fuzzing for $seconds s"
-    "$binary" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \
+    "$binary" -max_total_time="$seconds" -timeout="$timeout" -rss_limit_mb=2048 \
         -print_final_stats=1 -artifact_prefix="$artifacts/" "$work" "$dir/corpus/$name"
 }
 
@@ -102,7 +106,7 @@ if [ $campaign -eq 1 ]; then
     for i in "${!names[@]}"; do
         while [ "$(jobs -rp | wc -l)" -ge "$parallel" ]; do wait -n || true; done
         echo "== $(date -u +%H:%M:%S) ${names[$i]}: started, log in $logs/${names[$i]}.log"
-        nice -n 19 bash -c "$(declare -f fuzz_one); build='$build' seconds=$seconds \
+        nice -n 19 bash -c "$(declare -f fuzz_one); build='$build' seconds=$seconds timeout=$timeout \
             fuzz_one '${names[$i]}' '${dirs[$i]}'" >"$logs/${names[$i]}.log" 2>&1 &
         pids[${names[$i]}]=$!
     done
