@@ -166,7 +166,7 @@ TEST_F(ApiTest, EveryMessageIsSafeForThePages) {
          "<Attribute name=\"kvlxrDisableUntil\"><Value>\"soon\" <b>\\</Value></Attribute>", nullptr,
          kBadRequest,
          "Attribute kvlxrDisableUntil: the value '?soon? ?b?"
-         "?' is not in the attribute's format"},
+         "?' holds a quotation mark"},
         {"desk", "people/ann", nullptr, "http://x/\"q\".toml", kUnreachable,
          "Configuration file http://x/?q?.toml cannot be opened"},
     };

@@ -5,6 +5,7 @@
 
 #include "clock.h"
 #include "message.h"
+#include "page_text.h"
 #include "text.h"
 
 namespace lxrapi {
@@ -179,18 +180,47 @@ bool CheckForm(ValueForm form, std::string_view value) {
 Status ValidateValue(const AttributeInfo& info, std::string_view value) {
     // The rejected value is shown (cut, and with the characters that the
     // program's pages cannot take as '?') so the administrator sees which.
-    auto bad = [&](const char* why) {
+    auto bad = [&](const std::string& why) {
         return Status::BadRequest(std::string("Attribute ") + info.name + ": the value " +
                                   Quoted(value, 80) + " " + why);
     };
     if (value.size() > kMaxValue) return bad("is too long");
-    for (unsigned char c : value)
-        if (c < 0x20 || c == 0x7f) return bad("holds a control character");
-    if (value.find("</Value>") != std::string_view::npos)
-        return bad("holds the end tag of a Value");
+    size_t at = FindPageBreaker(value);
+    if (at != std::string_view::npos)
+        return bad("holds " + DescribeCharacter(static_cast<unsigned char>(value[at])));
     if (Trim(value).empty()) return bad("is blank");
     if (!CheckForm(info.form, value)) return bad("is not in the attribute's format");
     return Status::OK();
+}
+
+size_t CommentStart(ValueForm form, std::string_view value) {
+    size_t fixedWords = 0;
+    switch (form) {
+        case ValueForm::kStampComment:
+        case ValueForm::kUntil:
+        case ValueForm::kCountComment:
+        case ValueForm::kDaysComment:
+            fixedWords = 1;
+            break;
+        case ValueForm::kRedirect:
+            fixedWords = 3;  // KEY=TARGET, stamp, address
+            break;
+        default:
+            return std::string_view::npos;
+    }
+    size_t at = 0;
+    auto blank = [&](size_t i) { return value[i] == ' ' || value[i] == '\t'; };
+    for (size_t word = 0; word < fixedWords; ++word) {
+        while (at < value.size() && blank(at)) ++at;
+        while (at < value.size() && !blank(at)) ++at;
+    }
+    return at;
+}
+
+std::string StoredForm(const AttributeInfo& info, std::string_view value) {
+    size_t comment = CommentStart(info.form, value);
+    if (comment == std::string_view::npos) return std::string(value);
+    return TypographicApostrophes(value, comment);
 }
 
 }  // namespace lxrapi
