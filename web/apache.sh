@@ -4,7 +4,8 @@
 #
 #   web/apache.sh check|start --run DIR --cgi EXE --users HTPASSWD --agents MAP
 #                 [--namespace NS] [--dirserver NAME] [--api-config FILE]
-#                 [--images DIR] [--port N] [--bind ADDR]
+#                 [--images DIR] [--port N] [--bind ADDR] [--origin URL]
+#                 [--diagnostics]
 #   web/apache.sh stop --run DIR
 #
 # check writes DIR/httpd.conf and runs `apache2 -t` on it with DIR as the
@@ -13,7 +14,10 @@
 # and DIR/httpd.pid are left behind. Started by root, Apache runs its
 # children as nobody:nogroup (it refuses root), so everything the program
 # reads or writes must be open to that user. stop ends the server by the PID
-# in DIR/httpd.pid.
+# in DIR/httpd.pid. --origin defines LXR_ORIGIN (the site's own origin for
+# the cross-site post refusal; default: the request's scheme and Host);
+# --diagnostics defines LXR_DIAGNOSTICS, which lets DUMPXML and DUMPUPDATEXML
+# through (test servers only).
 set -euo pipefail
 
 WEB_DIR=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
@@ -42,6 +46,8 @@ write_config() {
     echo "Define LXR_NAMESPACE $(quote "$NAMESPACE")"
     echo "Define LXR_DIRSERVER $(quote "$DIRSERVER")"
     echo "Define LXR_API_CONFIG $(quote "$API_CONFIG")"
+    [ -z "$ORIGIN" ] || echo "Define LXR_ORIGIN $(quote "$ORIGIN")"
+    [ "$DIAGNOSTICS" = 0 ] || echo "Define LXR_DIAGNOSTICS"
     if [ "$(id -u)" = 0 ]; then
       echo "Define LXR_AS_USER nobody"
       echo "Define LXR_AS_GROUP nogroup"
@@ -95,7 +101,7 @@ start_server() {
 
 ACTION=${1:-}
 shift || true
-RUN="" CGI="" PORT="" BIND=127.0.0.1 USERS="" AGENTS=""
+RUN="" CGI="" PORT="" BIND=127.0.0.1 USERS="" AGENTS="" ORIGIN="" DIAGNOSTICS=0
 NAMESPACE="LDAP:" DIRSERVER="localhost" API_CONFIG="" IMAGES=$WEB_DIR/images
 while [ $# -gt 0 ]; do
   case $1 in
@@ -109,6 +115,8 @@ while [ $# -gt 0 ]; do
     --dirserver) DIRSERVER=$2; shift 2 ;;
     --api-config) API_CONFIG=$2; shift 2 ;;
     --images) IMAGES=$2; shift 2 ;;
+    --origin) ORIGIN=$2; shift 2 ;;
+    --diagnostics) DIAGNOSTICS=1; shift ;;
     *) die "unknown argument: $1" ;;
   esac
 done

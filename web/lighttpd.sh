@@ -3,6 +3,7 @@
 #
 #   web/lighttpd.sh start --run DIR --cgi EXE [--port N] [--bind ADDR]
 #                         [--agent FILE] [--env NAME=VALUE]... [--alias URL=PATH]...
+#                         [--origin URL] [--no-guard] [--diagnostics]
 #                         [--foreground]
 #   web/lighttpd.sh stop --run DIR
 #
@@ -15,6 +16,11 @@
 # administrator, web/lighttpd/demo-agent.conf). --env adds a variable to the
 # CGI environment (LXRAPI_CONFIG, LXR_NOW, ...). --alias serves another
 # executable or directory, e.g. --alias /cgi-bin/probe=/path/probe.
+# --origin names the site's own origin for the cross-site post refusal
+# (default: the address served, http://127.0.0.1:PORT). --no-guard leaves
+# out web/lighttpd/guard.conf (the refusals, framing and body-header rules):
+# only for tests of the bare program. --diagnostics lets DUMPXML and
+# DUMPUPDATEXML through (var.lxr_diagnostics = "-on").
 # --foreground runs lighttpd in the foreground (Ctrl-C stops it).
 #
 # stop ends the server named by DIR/lighttpd.pid, by that PID only.
@@ -39,6 +45,14 @@ write_config() {
     echo "var.lxr_port = $port"
     echo "var.lxr_cgi = $(quote "$CGI")"
     echo "var.lxr_images = $(quote "$IMAGES/")"
+    echo "var.lxr_origin = $(quote "${ORIGIN:-http://$BIND:$port}")"
+    if [ "$GUARD" = 1 ]; then
+      echo "var.lxr_guard = $(quote "$WEB_DIR/lighttpd/guard.conf")"
+    else
+      : >"$run/no-guard.conf"
+      echo "var.lxr_guard = $(quote "$run/no-guard.conf")"
+    fi
+    [ "$DIAGNOSTICS" = 0 ] || echo 'var.lxr_diagnostics = "-on"'
     printf 'var.lxr_env = ( '
     local sep="" kv
     for kv in "${ENVS[@]}"; do
@@ -96,7 +110,7 @@ start_server() {
 
 ACTION=${1:-}
 shift || true
-RUN="" CGI="" PORT="" BIND=127.0.0.1 FOREGROUND=0
+RUN="" CGI="" PORT="" BIND=127.0.0.1 FOREGROUND=0 ORIGIN="" GUARD=1 DIAGNOSTICS=0
 AGENT=$WEB_DIR/lighttpd/demo-agent.conf
 IMAGES=$WEB_DIR/images
 ENVS=() ALIASES=()
@@ -111,6 +125,9 @@ while [ $# -gt 0 ]; do
     --env) ENVS+=("$2"); shift 2 ;;
     --alias) ALIASES+=("$2"); shift 2 ;;
     --foreground) FOREGROUND=1; shift ;;
+    --origin) ORIGIN=$2; shift 2 ;;
+    --no-guard) GUARD=0; shift ;;
+    --diagnostics) DIAGNOSTICS=1; shift ;;
     *) die "unknown argument: $1" ;;
   esac
 done

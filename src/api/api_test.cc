@@ -182,12 +182,12 @@ TEST_F(ApiTest, EveryMessageIsSafeForThePages) {
          "<Attribute name=\"kvlxrDisableUntil\"><Value>\"soon\" <b>\\</Value></Attribute>", nullptr,
          kBadRequest,
          "Attribute kvlxrDisableUntil: the value '?soon? ?b?"
-         "?' is not in the attribute's format"},
+         "?' holds the character U+0022"},
         {"desk", nullptr,
          "<Attribute name=\"kvlxrDisableUntil\"><Value>\"soon\" <b>\\</Value></Attribute>", nullptr,
          kBadRequest,
          "属性 kvlxrDisableUntil: 値 '?soon? ?b?"
-         "?' は属性の形式に合っていません",
+         "?' に文字 U+0022 が含まれています",
          "ja"},
         {"desk", "people/ann", nullptr, "http://x/\"q\".toml", kUnreachable,
          "Configuration file http://x/?q?.toml cannot be opened"},

@@ -5,6 +5,7 @@
 
 #include "clock.h"
 #include "message.h"
+#include "page_text.h"
 #include "text.h"
 
 namespace lxrapi {
@@ -183,12 +184,44 @@ Status ValidateValue(const AttributeInfo& info, std::string_view value) {
         return Status::BadRequest(Words(why, info.name, Quoted(value, 80)));
     };
     if (value.size() > kMaxValue) return bad(Say::ValueTooLong);
-    for (unsigned char c : value)
-        if (c < 0x20 || c == 0x7f) return bad(Say::ValueHoldsControl);
-    if (value.find("</Value>") != std::string_view::npos) return bad(Say::ValueHoldsEndTag);
+    size_t at = FindPageBreaker(value);
+    if (at != std::string_view::npos)
+        return Status::BadRequest(
+            Words(Say::ValueHoldsCharacter, info.name, Quoted(value, 80),
+                  CharacterCode(static_cast<unsigned char>(value[at]))));
     if (Trim(value).empty()) return bad(Say::ValueBlank);
     if (!CheckForm(info.form, value)) return bad(Say::ValueNotInFormat);
     return Status::OK();
+}
+
+size_t CommentStart(ValueForm form, std::string_view value) {
+    size_t fixedWords = 0;
+    switch (form) {
+        case ValueForm::kStampComment:
+        case ValueForm::kUntil:
+        case ValueForm::kCountComment:
+        case ValueForm::kDaysComment:
+            fixedWords = 1;
+            break;
+        case ValueForm::kRedirect:
+            fixedWords = 3;  // KEY=TARGET, stamp, address
+            break;
+        default:
+            return std::string_view::npos;
+    }
+    size_t at = 0;
+    auto blank = [&](size_t i) { return value[i] == ' ' || value[i] == '\t'; };
+    for (size_t word = 0; word < fixedWords; ++word) {
+        while (at < value.size() && blank(at)) ++at;
+        while (at < value.size() && !blank(at)) ++at;
+    }
+    return at;
+}
+
+std::string StoredForm(const AttributeInfo& info, std::string_view value) {
+    size_t comment = CommentStart(info.form, value);
+    if (comment == std::string_view::npos) return std::string(value);
+    return TypographicApostrophes(value, comment);
 }
 
 }  // namespace lxrapi

@@ -3,6 +3,7 @@
 // forms their values take.
 #pragma once
 
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -51,9 +52,22 @@ const char* SectionName(Section section);
 const char* SectionPrompt(Section section);
 
 // Checks one non-empty value against its attribute's form. Fails with
-// kBadRequest and a message naming the attribute and the value. Values that
-// could break a reply (control characters, "</Value>") are refused for every
-// form. kPassword is not judged here (see password.h).
+// kBadRequest and a message naming the attribute, the value and the first
+// character at fault. Characters that could end the page text a value is
+// shown in (page_text.h) are refused for every form, so no stamp, count,
+// address, redirect target or comment can hold them. kPassword is not judged
+// here (see password.h).
 Status ValidateValue(const AttributeInfo& info, std::string_view value);
+
+// Where the free comment of a value of `form` begins: the offset behind the
+// words the form fixes (one for the stamp, until, count and days forms; three,
+// KEY=TARGET, stamp and address, for redirects), or npos for forms without a
+// comment.
+size_t CommentStart(ValueForm form, std::string_view value);
+
+// The value as it is checked and stored: an apostrophe typed in the comment
+// becomes the typographic U+2019, which the pages can show, instead of being
+// refused. Apostrophes anywhere else are left for ValidateValue to refuse.
+std::string StoredForm(const AttributeInfo& info, std::string_view value);
 
 }  // namespace lxrapi

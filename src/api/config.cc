@@ -448,12 +448,71 @@ Status CannotOpen(const std::string& path) {
                                " cannot be opened: " + std::strerror(errno));
 }
 
+// The line of the first byte outside the ASCII range that stands outside a
+// string and a comment, or 0. TOML allows such characters only in strings
+// and comments, and the TOML library (3.3) reaches a branch it assumes
+// unreachable, undefined behaviour, on some of them elsewhere ("[policyҙ]"),
+// so they are refused before it sees them.
+int StrayNonAsciiLine(std::string_view text) {
+    enum State { kPlain, kComment, kBasic, kLiteral, kMultiBasic, kMultiLiteral };
+    State state = kPlain;
+    int line = 1;
+    auto at = [&](size_t i, const char* s) { return text.compare(i, 3, s) == 0; };
+    for (size_t i = 0; i < text.size(); ++i) {
+        char c = text[i];
+        if (c == '\n') {
+            ++line;
+            if (state == kComment || state == kBasic || state == kLiteral) state = kPlain;
+            continue;
+        }
+        bool escape = c == '\\' && i + 1 < text.size() && text[i + 1] != '\n';
+        switch (state) {
+            case kPlain:
+                if (static_cast<unsigned char>(c) >= 0x80) return line;
+                if (c == '#') {
+                    state = kComment;
+                } else if (at(i, "\"\"\"") || at(i, "'''")) {
+                    state = c == '"' ? kMultiBasic : kMultiLiteral;
+                    i += 2;
+                } else if (c == '"' || c == '\'') {
+                    state = c == '"' ? kBasic : kLiteral;
+                }
+                break;
+            case kComment:
+                break;
+            case kBasic:
+                if (escape)
+                    ++i;
+                else if (c == '"')
+                    state = kPlain;
+                break;
+            case kLiteral:
+                if (c == '\'') state = kPlain;
+                break;
+            case kMultiBasic:
+            case kMultiLiteral:
+                if (state == kMultiBasic && escape) {
+                    ++i;
+                } else if (at(i, state == kMultiBasic ? "\"\"\"" : "'''")) {
+                    state = kPlain;
+                    i += 2;
+                }
+                break;
+        }
+    }
+    return 0;
+}
+
 }  // namespace
 
 Status ParseConfig(std::string_view text, const std::string& path, Config* config) {
     *config = Config();
     config->path = path;
     Reader reader(path);
+    if (int line = StrayNonAsciiLine(text)) {
+        reader.Fail(line, "a character that is not ASCII stands outside quotes and comments");
+        return reader.status();
+    }
     toml::table root;
     try {
         root = toml::parse(text, path);

@@ -62,6 +62,12 @@ TEST(ConfigTest, FaultsNameFileLineAndProblem) {
         const char* problem;
     } cases[] = {
         {dir + role + "[policy\n", 8, "expected ']'"},  // TOML syntax
+        // Non-ASCII text only in strings and comments, and found wherever the
+        // strings and comments around it end.
+        {dir + role + "[policy\xd2\x99password]\n", 8, "not ASCII stands outside quotes"},
+        {"# \xc3\xa9\n" + dir + "name = \"\"\"a\n\\\"\"\"\xc3\xa9\"\"\" \xc3\xa9\n" + role, 7,
+         "not ASCII stands outside"},
+        {dir + "name = 'a\\' \xc2\xa1\n" + role, 5, "not ASCII stands outside"},
         {dir + "colour = \"red\"\n" + role, 5, "unknown key 'colour' in directory 1"},
         {"[[directory]]\nid = \"d\"\nbase = \"o=t\"\n" + role, 1, "'store' is missing"},
         {"[[directory]]\nid = \"a/b\"\nstore = \"s\"\nbase = \"o=t\"\n" + role, 1, "without '/'"},

@@ -1,5 +1,7 @@
 #include "documents.h"
 
+#include "page_text.h"
+
 namespace lxrapi {
 
 namespace {
@@ -43,9 +45,12 @@ void WriteAttribute(std::string& out, const AttributeView& a) {
     out += "\" write=\"";
     out += Bool(a.write);
     out += "\">\n";
+    // Values may come from elsewhere (an LDIF import, another LDAP client,
+    // the login services' log) and so hold anything; none may end its text on
+    // the page, nor its element here.
     for (const std::string& v : a.values) {
         out += kValueOpen;
-        out += v;
+        out += NeutraliseForPages(v);
         out += kValueClose;
     }
     out += "    </Attribute>\n";

@@ -1,7 +1,9 @@
 // The documents the API answers with: the directory list and one user's
 // entry. Their readers in the program compare fixed texts byte by byte, so the
 // writers here emit exactly: `name="` with no blanks, booleans "true" or
-// "false", Group always self-closing, values raw up to "</Value>".
+// "false", Group always self-closing, values raw up to "</Value>". The
+// program shows values unescaped, so every value is written neutralised
+// (NeutraliseForPages in page_text.h), whichever store it came from.
 #pragma once
 
 #include <cstddef>

@@ -23,11 +23,11 @@ TEST(DocumentsTest, UserDocumentReadsBackUnderTheStrictRules) {
         a.values = std::move(values);
         view.attributes.push_back(a);
     };
-    add("kvlxrDisableUntil", true, true, false, {"FOREVER <b>x</b> & \"q\" 'a'"});
+    add("kvlxrDisableUntil", true, true, false, {"FOREVER x & y"});
     add("kvlxrAccountInactivityDays", true, false, true, {"30 a&amp;b"});
     add("userPassword", false, true, false, {});
     add("kvlxrLoginHistory", true, true, false,
-        {"20260530101010Z SUCCESS 10.0.0.5 browser", "20260529101010Z FAILED 10.0.0.6 x>y"});
+        {"20260530101010Z SUCCESS 10.0.0.5 browser", "20260529101010Z FAILED 10.0.0.6 x-y"});
     add("kvlxrGenerationalRedirects", true, true, false, {});
     view.groups.push_back({&locked, true, true, Membership::kMember});
     view.groups.push_back({&vpn, false, true, Membership::kRestricted});

@@ -96,10 +96,6 @@ Status FindUser(const Config& config, StoreProvider& stores, const Role& role,
     return Status::OK();
 }
 
-bool SafeValue(const std::string& v) {
-    return v.find("</Value>") == std::string::npos;
-}
-
 UserView BuildView(const Config& config, const Role& role, const FoundUser& found,
                    const Translator& words) {
     const DirectoryConfig& d = *found.directory;
@@ -119,9 +115,7 @@ UserView BuildView(const Config& config, const Role& role, const FoundUser& foun
         if (!a.read && !a.write) continue;
         a.redisable = state.redisable.count(Lower(info.name)) > 0;
         bool secret = info.form == ValueForm::kPassword || info.form == ValueForm::kSecret;
-        if (a.read && !secret)
-            for (const std::string& v : found.entry.Values(info.name))
-                if (SafeValue(v)) a.values.push_back(v);
+        if (a.read && !secret) a.values = found.entry.Values(info.name);
         view.attributes.push_back(std::move(a));
     }
     for (size_t i = 0; i < d.groups.size(); ++i) {
@@ -274,12 +268,14 @@ Status CheckAgainstRole(const Config& config, const Role& role, const UpdateDocu
     return Status::OK();
 }
 
-Status CheckValues(const UpdateDocument& doc, Plan* plan) {
+// Checks every value against its form, after turning the apostrophes typed
+// in comments into the form they are stored in (StoredForm).
+Status CheckValues(UpdateDocument& doc, Plan* plan) {
     for (const GroupUpdate& g : doc.groups)
         if (g.member != "1" && g.member != "0")
             return Status::BadRequest(
                 Words(Say::BadMemberValue, Quoted(g.name, 200), Quoted(g.member, 40)));
-    for (const AttributeUpdate& a : doc.attributes) {
+    for (AttributeUpdate& a : doc.attributes) {
         const AttributeInfo& info = *FindAttribute(a.name);
         if (info.form == ValueForm::kPassword) {
             size_t given = 0;
@@ -288,8 +284,9 @@ Status CheckValues(const UpdateDocument& doc, Plan* plan) {
             plan->changesPassword = true;
             continue;
         }
-        for (const std::string& v : a.values) {
+        for (std::string& v : a.values) {
             if (v.empty()) continue;
+            v = StoredForm(info, v);
             Status s = ValidateValue(info, v);
             if (!s.ok()) return s;
         }

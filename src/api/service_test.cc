@@ -82,6 +82,41 @@ TEST_F(ServiceTest, ReadShowsEveryAttributeTheRoleMayRead) {
     EXPECT_EQ(user_.groups[1].member, "true");
 }
 
+// Values that another client, an LDIF import or the login services wrote
+// reach the pages in a form they can show, whatever they hold.
+TEST_F(ServiceTest, ValuesFromElsewhereAreHandedOutNeutralised) {
+    Store* store = nullptr;
+    ASSERT_TRUE(f_.stores.Open("/mem/people", &store).ok());
+    const std::vector<std::pair<const char*, std::string>> stored = {
+        {"kvlxrDisableAfter", "20260901000000Z <svg/onload=alert(1)>"},
+        {"kvlxrLoginHistory",
+         "20260530101010Z SUCCESS 10.0.0.5 x</Value></Attribute><Attribute name=\"cn\"><Value>y"},
+        {"kvlxrGenerationalRedirects", "A=https://a/?q='x' 20260101000000Z 10.1.1.1 don't\\"},
+    };
+    ASSERT_TRUE(store
+                    ->Write([&](StoreWriter& w) {
+                        for (const auto& [name, value] : stored) {
+                            Status s = w.Replace(kAnn, name, {value});
+                            if (!s.ok()) return s;
+                        }
+                        return Status::OK();
+                    })
+                    .ok());
+    ASSERT_TRUE(Read("desk", kLead, "people/ann").ok());
+    EXPECT_EQ(Attr("kvlxrDisableAfter")->values,
+              std::vector<std::string>{"20260901000000Z \u2039svg/onload=alert(1)\u203a"});
+    EXPECT_EQ(Attr("kvlxrLoginHistory")->values,
+              std::vector<std::string>{"20260530101010Z SUCCESS 10.0.0.5 x\u2039/Value\u203a"
+                                       "\u2039/Attribute\u203a\u2039Attribute name=\u201dcn"
+                                       "\u201d\u203a\u2039Value\u203ay"});
+    EXPECT_EQ(Attr("kvlxrGenerationalRedirects")->values,
+              std::vector<std::string>{
+                  "A=https://a/?q=\u2019x\u2019 20260101000000Z 10.1.1.1 don\u2019t\uff3c"});
+    EXPECT_EQ(reply_.find('\''), std::string::npos);
+    EXPECT_EQ(reply_.find('\\'), std::string::npos);
+    EXPECT_EQ(reply_.find("<svg"), std::string::npos);
+}
+
 TEST_F(ServiceTest, UsersAreFoundByDnOrByName) {
     struct Case {
         const char* path;
@@ -156,27 +191,27 @@ TEST_F(ServiceTest, WriteReplacesRemovesAndClears) {
         "<Attribute name=\"kvlxrLoginHistory\"/>\n"
         "<Attribute name=\"kvlxrFailureCount\"><Value/></Attribute>\n"
         "<Attribute name=\"KVLXRDISABLEUNTIL\"><Value>FOREVER </Value></Attribute>\n"
-        "<Attribute name=\"kvlxrAccountInactivityDays\"><Value>30 a&b <c> \"d\"</Value>"
+        "<Attribute name=\"kvlxrAccountInactivityDays\"><Value>30 a&b don't</Value>"
         "</Attribute>\n");
     ASSERT_TRUE(s.ok()) << s.message();
     Entry ann = f_.Get(kAnn);
     EXPECT_TRUE(ann.Values("kvlxrLoginHistory").empty());
     EXPECT_TRUE(ann.Values("kvlxrFailureCount").empty());
     EXPECT_EQ(ann.Values("kvlxrDisableUntil"), std::vector<std::string>{"FOREVER"});
-    EXPECT_EQ(ann.First("kvlxrAccountInactivityDays"), "30 a&b <c> \"d\"");
+    EXPECT_EQ(ann.First("kvlxrAccountInactivityDays"), "30 a&b don\u2019t");
     EXPECT_EQ(ann.First("kvlxrLastLogin"), "20260530101010Z 10.0.0.5");  // untouched
     // And the next read shows it, still well formed.
     ASSERT_TRUE(Read("desk", kLead, "people/ann").ok());
-    EXPECT_EQ(Attr("kvlxrAccountInactivityDays")->values[0], "30 a&b <c> \"d\"");
+    EXPECT_EQ(Attr("kvlxrAccountInactivityDays")->values[0], "30 a&b don\u2019t");
 }
 
 TEST_F(ServiceTest, RedirectEntriesChangeOneByOne) {
     Status s = Write(
-        "<Attribute name=\"kvlxrGenerationalRedirects\">"
-        "<Value>A=0</Value>"
-        "<Value>B=https://b2.example/ 20260601120000Z 10.1.1.2 moved</Value>"
-        "<Value>C=https://c.example/</Value>"
-        "</Attribute>");
+        "<Attribute name=\"kvlxrGenerationalRedirects\">\n"
+        "<Value>A=0</Value>\n"
+        "<Value>B=https://b2.example/ 20260601120000Z 10.1.1.2 moved</Value>\n"
+        "<Value>C=https://c.example/</Value>\n"
+        "</Attribute>\n");
     ASSERT_TRUE(s.ok()) << s.message();
     EXPECT_EQ(f_.Get(kAnn).Values("kvlxrGenerationalRedirects"),
               (std::vector<std::string>{"B=https://b2.example/ 20260601120000Z 10.1.1.2 moved",
@@ -222,7 +257,8 @@ TEST_F(ServiceTest, GroupsAreNamedByIdentifierOrDn) {
         {"locked-out%", kAccessDenied, "shows no group 'locked-out%'"},
         {"locked%2", kAccessDenied, "shows no group 'locked%2'"},
         {"cn%3Dlocked+out", kAccessDenied, "shows no group 'cn%3Dlocked+out'"},
-        {"a<b>&amp;", kAccessDenied, "shows no group 'a?b?&amp;'"},
+        {"a&amp;", kAccessDenied, "shows no group 'a&amp;'"},
+        {"a<b>", kBadRequest, "the group name 'a?b?' holds a less-than sign"},
     };
     for (const Case& c : cases) {
         for (const char* member : {"1", "0"}) {
@@ -283,7 +319,7 @@ TEST_F(ServiceTest, PasswordsAreCheckedAndStoredHashed) {
 TEST_F(ServiceTest, ForbiddenOrBadWritesChangeNothing) {
     const Entry before = f_.Get(kAnn);
     const std::string good =
-        "<Attribute name=\"kvlxrFailureCount\"><Value>0 20260601120000Z</Value></Attribute>";
+        "<Attribute name=\"kvlxrFailureCount\"><Value>0 20260601120000Z</Value></Attribute>\n";
     struct Case {
         std::string body;
         const char* role;
@@ -306,10 +342,19 @@ TEST_F(ServiceTest, ForbiddenOrBadWritesChangeNothing) {
         {good + "<Attribute name=\"kvlxrGenerationalRedirects\"><Value>noequals</Value>"
                 "</Attribute>",
          "desk", kAnn, kBadRequest, "noequals"},
-        {good + "<Attribute name=\"userPassword\"><Value>x</Value><Value>y</Value></Attribute>",
+        {good +
+             "<Attribute name=\"userPassword\">\n<Value>x</Value>\n<Value>y</Value>\n</Attribute>",
          "desk", kAnn, kBadRequest, "userPassword"},
         {good, "desk", "uid=zed,ou=people,o=t", kUserUnreadable, "uid=zed"},
         {good + "<Bogus/>", "desk", kAnn, kBadRequest, "offset"},
+        // A posted value that closes its element to add a login-history entry.
+        {good + "<Attribute name=\"kvlxrAccountInactivityDays\">\n<Value>30 x</Value></Attribute>"
+                "<Attribute name=\"kvlxrLoginHistory\"><Value>20260601000000Z SUCCESS 10.6.6.6"
+                "</Value>\n</Attribute>\n",
+         "desk", kAnn, kBadRequest, "kvlxrAccountInactivityDays: the value '30 x?/Value?"},
+        {good + "<Attribute name=\"kvlxrGenerationalRedirects\"><Value>A=x' 20260101000000Z"
+                "</Value></Attribute>",
+         "desk", kAnn, kBadRequest, "holds the character U+0027"},
     };
     for (const Case& c : cases) {
         Status s = Write(c.body, c.role, c.dn);

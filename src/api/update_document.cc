@@ -1,12 +1,16 @@
 #include "update_document.h"
 
+#include "message.h"
+#include "page_text.h"
+
 namespace lxrapi {
 
 namespace {
 
 class Cursor {
   public:
-    explicit Cursor(std::string_view text) : text_(text) {}
+    explicit Cursor(std::string_view text)
+        : text_(text), lines_(text.find('\n') != std::string_view::npos) {}
 
     void SkipBlanks() {
         while (pos_ < text_.size() && (text_[pos_] == ' ' || text_[pos_] == '\t' ||
@@ -29,6 +33,24 @@ class Cursor {
         pos_ = at + end.size();
         return true;
     }
+    // The text of a Value whose start tag was just consumed, and its end tag.
+    // In a document of several lines (the page builds one value per line) the
+    // value runs to the LAST "</Value>" on its line, so that a posted value
+    // holding "</Value>" and further elements stays one value, which the
+    // value checks then refuse. A document on one line (the command line
+    // joins a file's lines) has values up to the next "</Value>".
+    bool Value(std::string* out) {
+        static constexpr std::string_view kEnd = "</Value>";
+        if (!lines_) return Until(kEnd, out);
+        size_t lineEnd = text_.find('\n', pos_);
+        std::string_view line =
+            text_.substr(pos_, lineEnd == text_.npos ? text_.npos : lineEnd - pos_);
+        size_t at = line.rfind(kEnd);
+        if (at == std::string_view::npos) return false;
+        out->assign(line.substr(0, at));
+        pos_ += at + kEnd.size();
+        return true;
+    }
     bool AtEnd() const { return pos_ >= text_.size(); }
 
     Status Fail(const std::string& expected) const {
@@ -38,6 +60,7 @@ class Cursor {
 
   private:
     std::string_view text_;
+    bool lines_;
     size_t pos_ = 0;
 };
 
@@ -77,12 +100,34 @@ Status ReadAttribute(Cursor& c, AttributeUpdate* a) {
             a->values.emplace_back();
         } else if (c.Consume("<Value>")) {
             std::string value;
-            if (!c.Until("</Value>", &value)) return c.Fail("the end of the Value");
+            if (!c.Value(&value)) return c.Fail("the end of the Value on its line");
             a->values.push_back(std::move(value));
         } else {
             return c.Fail("a Value or the end of the Attribute");
         }
     }
+}
+
+// Refuses a name holding a character that could end the page text it is
+// shown in. DNs may hold an apostrophe ("O'Brien") or a backslash (an escaped
+// ","), which the pages only ever show inside double quotes; attribute names
+// hold neither.
+Status CheckName(const char* what, const std::string& name, bool dn) {
+    for (unsigned char c : name) {
+        if (!BreaksPages(c) || (dn && (c == '\'' || c == '\\'))) continue;
+        return Status::BadRequest(std::string("Update document: the ") + what + " " +
+                                  Quoted(name, 200) + " holds " + DescribeCharacter(c));
+    }
+    return Status::OK();
+}
+
+Status CheckNames(const UpdateDocument& d) {
+    Status s = CheckName("user name", d.userDn, true);
+    for (size_t i = 0; s.ok() && i < d.groups.size(); ++i)
+        s = CheckName("group name", d.groups[i].name, true);
+    for (size_t i = 0; s.ok() && i < d.attributes.size(); ++i)
+        s = CheckName("attribute name", d.attributes[i].name, false);
+    return s;
 }
 
 }  // namespace
@@ -122,7 +167,7 @@ Status ParseUpdateDocument(std::string_view text, UpdateDocument* document) {
     }
     c.SkipBlanks();
     if (!c.AtEnd()) return c.Fail("nothing after the end of the User");
-    return Status::OK();
+    return CheckNames(*document);
 }
 
 }  // namespace lxrapi

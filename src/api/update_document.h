@@ -10,9 +10,12 @@
 //
 // The program inserts names and values without escaping, so values may hold
 // "<", "&" and quotation marks: the text is read by its fixed layout, not as
-// XML. A value runs raw up to the next "</Value>"; names and attribute values
-// run up to the next quotation mark. Between elements any blanks, tabs, CR and
-// LF are allowed, or none (the command line joins the file's lines).
+// XML. In a document of several lines a value runs raw up to the last
+// "</Value>" on its line (the page writes one value per line, so a posted
+// value cannot close its element and open others); in a document on one line
+// up to the next "</Value>". Names and attribute values run up to the next
+// quotation mark. Between elements any blanks, tabs, CR and LF are allowed,
+// or none (the command line joins the file's lines).
 #pragma once
 
 #include <string>
@@ -41,7 +44,9 @@ struct UpdateDocument {
 };
 
 // Fails with kBadRequest and a message giving the byte offset of the fault
-// (in words: the message must not hold markup).
+// (in words: the message must not hold markup), or naming an element name
+// that holds a character the pages cannot show (page_text.h; DNs may hold an
+// apostrophe or a backslash).
 Status ParseUpdateDocument(std::string_view text, UpdateDocument* document);
 
 }  // namespace lxrapi

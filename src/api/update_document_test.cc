@@ -59,6 +59,76 @@ TEST(UpdateDocumentTest, ReadsTheCommandLinesOneLineForm) {
             .ok());
 }
 
+// The page writes one value per line and inserts posted values as they are:
+// whatever a value holds, up to the last "</Value>" on its line, is that one
+// value, so a posted value cannot close its element and add others.
+TEST(UpdateDocumentTest, APostedValueStaysOneValue) {
+    const std::string forged =
+        "x</Value></Attribute><Attribute name=\"kvlxrLoginHistory\">"
+        "<Value>20260601000000Z SUCCESS 10.6.6.6</Value></Attribute><Group name=\"g\" "
+        "member=\"1\"/><Attribute name=\"kvlxrComment\"><Value>y";
+    struct Case {
+        std::string line;  // the value line between the attribute's opening and closing
+        std::vector<std::string> values;
+    } cases[] = {
+        {"        <Value>" + forged + "</Value>", {forged}},
+        {"        <Value>a</Value>b</Value>  ", {"a</Value>b"}},
+        {"        <Value></Value></Value>", {"</Value>"}},
+        {"        <Value><Value/></Value>", {"<Value/>"}},
+        {"        <Value/>", {""}},
+    };
+    for (const Case& c : cases) {
+        std::string text = "<User name=\"uid=u1,o=org\">\n    <Attribute name=\"kvlxrComment\">\n" +
+                           c.line + "\n    </Attribute>\n</User>\n";
+        UpdateDocument d;
+        Status s = ParseUpdateDocument(text, &d);
+        ASSERT_TRUE(s.ok()) << s.message() << "\n" << text;
+        ASSERT_EQ(d.attributes.size(), 1u) << text;
+        EXPECT_TRUE(d.groups.empty()) << text;
+        EXPECT_EQ(d.attributes[0].values, c.values) << text;
+    }
+    // A value line that does not end its value is refused, rather than read
+    // on into the next line.
+    UpdateDocument d;
+    Status s = ParseUpdateDocument(
+        "<User name=\"x\">\n<Attribute name=\"a\">\n<Value>x\n</Value>\n</Attribute>\n</User>\n",
+        &d);
+    EXPECT_EQ(s.code(), kBadRequest);
+    EXPECT_NE(s.message().find("the end of the Value on its line"), std::string::npos);
+}
+
+// Names are shown on the pages as well: an attribute name holds none of the
+// characters that end page text; DNs may hold an apostrophe or a backslash,
+// which the pages only show inside double quotes.
+TEST(UpdateDocumentTest, NamesThatEndPageTextAreRefused) {
+    struct Case {
+        const char* user;
+        const char* element;
+        const char* says;  // empty: accepted
+    } cases[] = {
+        {"uid=o'brien,o=org", "", ""},
+        {"cn=smith\\, john,o=org", "<Group name=\"cn=o'b\\2C,o=org\" member=\"1\"/>", ""},
+        {"uid=<svg>,o=org", "", "the user name 'uid=?svg?,o=org' holds a less-than sign"},
+        {"uid=a\tb", "", "the user name 'uid=a?b' holds the control character U+0009"},
+        {"x", "<Group name=\"g>\" member=\"1\"/>", "the group name 'g?' holds a greater-than sign"},
+        {"x", "<Attribute name=\"kvlxrComment'\"/>",
+         "the attribute name 'kvlxrComment'' holds an apostrophe"},
+        {"x", "<Attribute name=\"a\\b\"><Value>1</Value></Attribute>",
+         "the attribute name 'a?b' holds a backslash"},
+    };
+    for (const Case& c : cases) {
+        std::string text = std::string("<User name=\"") + c.user + "\">" + c.element + "</User>";
+        UpdateDocument d;
+        Status s = ParseUpdateDocument(text, &d);
+        if (*c.says == '\0') {
+            EXPECT_TRUE(s.ok()) << text << ": " << s.message();
+            continue;
+        }
+        EXPECT_EQ(s.code(), kBadRequest) << text;
+        EXPECT_EQ(s.message(), std::string("Update document: ") + c.says);
+    }
+}
+
 TEST(UpdateDocumentTest, GroupAttributesInEitherOrder) {
     UpdateDocument d;
     ASSERT_TRUE(

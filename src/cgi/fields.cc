@@ -5,6 +5,7 @@
 #include <cstring>
 #include <vector>
 
+#include "html/output_profile.h"
 #include "platform/console.h"
 #include "platform/env.h"
 #include "platform/formatter.h"
@@ -204,10 +205,10 @@ std::string ReturnQuery() {
         if (strcasecmp(name.c_str(), "USERDIR") == 0 || strcasecmp(name.c_str(), "USER") == 0)
             continue;
         query += query.empty() ? "?" : "&";
-        query += name;
+        query += OutUrlArg(name);
         if (!value.empty()) {
             query += "=";
-            query += value;
+            query += OutUrlArg(value);
         }
     }
     return query;

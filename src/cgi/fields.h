@@ -70,5 +70,6 @@ void GetFields();
 // The query that leads back to the selection page: every argument of Args
 // but USERDIR and USER, in map order, "?" before the first and "&" before the
 // others, each "name" or "name=value" as decoded (not re-encoded, as the
-// pages have always written it). "" when no other argument exists.
+// pages have always written it; URL-encoded in the strict output profile).
+// "" when no other argument exists.
 std::string ReturnQuery();

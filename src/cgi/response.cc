@@ -7,6 +7,7 @@
 #include <map>
 
 #include "cgi/fields.h"
+#include "html/output_profile.h"
 #include "platform/env.h"
 #include "platform/formatter.h"
 #include "platform/utf8.h"
@@ -36,6 +37,15 @@ int EntryQuality(const std::string& entry, size_t semicolon) {
 
 }  // namespace
 
+std::string HeaderValue(const char* text) {
+    std::string out;
+    for (const char* p = text ? text : ""; *p; ++p) {
+        unsigned char c = static_cast<unsigned char>(*p);
+        if (c >= 0x20 && c != 0x7F) out += *p;
+    }
+    return out;
+}
+
 void SetCharSet() {
     CKvGetEnv accept("HTTP_ACCEPT_CHARSET");
     if (accept.c_str() == nullptr) {
@@ -56,7 +66,15 @@ void SetCharSet() {
 
 void HTTPHeader(const char* status) {
     if (bOutputHTTPHeader) return;
-    prtFormatter.printf("Status: %s\nContent-Type: text/html;charset=%s\n\n", status, charsetUsed);
+    prtFormatter.printf("Status: %s\nContent-Type: text/html;charset=%s\n", HeaderValue(status),
+                        HeaderValue(charsetUsed.c_str()));
+    // The strict profile also keeps other sites from framing the pages,
+    // where the server does not already say so.
+    if (StrictOutput()) {
+        prtFormatter.printf("X-Frame-Options: DENY\n");
+        prtFormatter.printf("Content-Security-Policy: frame-ancestors 'none'\n");
+    }
+    prtFormatter.printf("\n");
     bOutputHTTPHeader = true;
 }
 
@@ -96,9 +114,9 @@ void Redirect(const char* url, const char* query, bool encodeQuery) {
         target += encodeQuery ? URLEncode(query) : std::string(query);
     }
     prtFormatter.printf("Status: 302 Moved Temporarily\n");
-    prtFormatter.printf("Content-Type: text/html;charset=%s\n", charsetUsed);
+    prtFormatter.printf("Content-Type: text/html;charset=%s\n", HeaderValue(charsetUsed.c_str()));
     prtFormatter.printf("Expires: Mon, 10 Apr 2000 00:00:01 GMT\n");
-    prtFormatter.printf("Location: %s\n\n", target);
+    prtFormatter.printf("Location: %s\n\n", HeaderValue(target.c_str()));
 }
 
 int SortAcceptHeader(std::string& header, std::vector<std::string>& result) {

@@ -15,7 +15,16 @@ extern bool bOutputHTTPHeader;
 // "UTF-8" when every entry is refused.
 void SetCharSet();
 
-// Writes "Status: ...\nContent-Type: text/html;charset=...\n\n" once.
+// `text` without its control characters (below 0x20, and 0x7F), for a header
+// line: a CR or LF from a decoded argument, a catalogue entry or the request
+// must never end the line and start a header of its own. Every header value
+// that HTTPHeader and Redirect write passes through it; ordinary values come
+// out unchanged. Null gives "".
+std::string HeaderValue(const char* text);
+
+// Writes "Status: ...\nContent-Type: text/html;charset=...\n\n" once; in the
+// strict output profile X-Frame-Options and a frame-ancestors policy stand
+// before the blank line.
 void HTTPHeader(const char* status);
 
 // Writes a whole 302 response (headers only) to `url`. A "<NAME>" in `url`

@@ -144,6 +144,50 @@ TEST(RedirectTest, UnclosedMacroEntersItsNameIntoArgs) {
     EXPECT_EQ(Args.count("nope"), 0u);
 }
 
+// The header block of `out` (up to the first blank line) as its lines; a
+// control character anywhere in it makes the result empty.
+Strings HeaderLines(const std::string& out) {
+    size_t end = out.find("\n\n");
+    if (end == std::string::npos) return {};
+    Strings lines;
+    std::string line;
+    for (char c : out.substr(0, end + 1)) {
+        if (c == '\n') {
+            lines.push_back(line);
+            line.clear();
+        } else if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) {
+            return {};
+        } else {
+            line += c;
+        }
+    }
+    return lines;
+}
+
+// A decoded argument, a catalogue text or an accept header may hold CR, LF or
+// another control character; none of them may end a header line early.
+TEST(HeaderValueTest, NoControlCharacterReachesAHeaderLine) {
+    // The unclosed macro takes its value raw; LXRAdminARGS decodes twice, so
+    // "%250d%250a" arrives as CR LF.
+    Args.clear();
+    ParseQueryString("LXRAdminARGS=X%3D%250d%250aSet-Cookie%3A%2520a%26&");
+    ASSERT_EQ(Args["X"], "\r\nSet-Cookie: a");
+    charsetUsed = "UTF-8\nX-Evil: 1";
+    Strings lines = HeaderLines(lxrtest::CaptureStdout([] { Redirect("/p/<X", nullptr, false); }));
+    EXPECT_EQ(
+        lines,
+        (Strings{"Status: 302 Moved Temporarily", "Content-Type: text/html;charset=UTF-8X-Evil: 1",
+                 "Expires: Mon, 10 Apr 2000 00:00:01 GMT", "Location: /p/Set-Cookie: a"}));
+
+    bOutputHTTPHeader = false;
+    lines =
+        HeaderLines(lxrtest::CaptureStdout([] { HTTPHeader("200 OK\r\nSet-Cookie: a=b\t\x7f"); }));
+    EXPECT_EQ(lines, (Strings{"Status: 200 OKSet-Cookie: a=b",
+                              "Content-Type: text/html;charset=UTF-8X-Evil: 1"}));
+    charsetUsed = "UTF-8";
+    Args.clear();
+}
+
 TEST(IsURLTest, Table) {
     struct Case {
         const char* text;

@@ -10,6 +10,7 @@
 #include "driver/command_line.h"
 #include "driver/update_document.h"
 #include "html/errors.h"
+#include "html/output_profile.h"
 #include "html/page.h"
 #include "i18n/language.h"
 #include "i18n/negotiate.h"
@@ -135,8 +136,8 @@ int GetFlow(const char* query, const char* identity, const std::string& adminPat
 }
 
 // The short page after a successful write: an alert with the message, then
-// back to where the administrator came from. Nothing is escaped: the message
-// and the address go into the script and the link as they are.
+// back to where the administrator came from. By default nothing is escaped:
+// the message and the address go into the script and the link as they are.
 void ResultPage(const char* message) {
     char text[kShortSize];
     Lang->Translate(text, sizeof text, "KV-LXR-12200 ", "200 OK");
@@ -147,7 +148,7 @@ void ResultPage(const char* message) {
 
     prtFormatter.printf("<SCRIPT LANGUAGE=\"JavaScript\">\n");
     prtFormatter.printf("<!--\n");
-    prtFormatter.printf("      alert(\"%s\");\n", message);
+    prtFormatter.printf("      alert(\"%s\");\n", OutScript(message));
     std::string address;
     if (HasArg("CLOSE")) {
         prtFormatter.printf("      window.close();\n");
@@ -161,27 +162,46 @@ void ResultPage(const char* message) {
             address = script ? script : "";
             address += returnQuery;
         }
+        address = OutAddress(address);
         if (address.empty()) {
             prtFormatter.printf("      window.history.back();\n");
         } else {
-            prtFormatter.printf("      window.location = '%s';\n", address);
+            prtFormatter.printf("      window.location = '%s';\n", OutScript(address));
         }
     }
     prtFormatter.printf("//-->\n");
     prtFormatter.printf("</SCRIPT>\n");
     prtFormatter.printf("<noscript>\n");
     prtFormatter.printf("<span align=\"center\">\n");
-    prtFormatter.printf("<h1>%s</h1><br>\n", message);
+    prtFormatter.printf("<h1>%s</h1><br>\n", OutText(message));
     if (!address.empty()) {
         Lang->Translate(text, sizeof text, "KV-LXR-12012", "Click here to continue.");
-        prtFormatter.printf("<a href=\"%s\">%s</a>\n", address, text);
+        prtFormatter.printf("<a href=\"%s\">%s</a>\n", OutAttr(address), text);
     }
     prtFormatter.printf("</span>\n");
     prtFormatter.printf("</noscript>\n");
     HTMLFooter();
 }
 
-int PostFlow(const char* identity, const std::string& adminPath, char* message) {
+// True when the server named its own origin (LXR_ORIGIN) and this post comes
+// from another one: the browser says so in Sec-Fetch-Site, or sends an Origin
+// that is not ours ("null" included). A post without either header (older
+// browsers, scripts on the server) is not refused here.
+bool ForeignPost() {
+    const char* own = EnvValue("LXR_ORIGIN");
+    if (own == nullptr) return false;
+    const char* site = EnvValue("HTTP_SEC_FETCH_SITE");
+    if (site != nullptr && strcasecmp(site, "cross-site") == 0) return true;
+    const char* origin = EnvValue("HTTP_ORIGIN");
+    return origin != nullptr && strcasecmp(origin, own) != 0;
+}
+
+int PostFlow(const char* identity, const std::string& adminPath, char* message, char* status) {
+    // Refused before the body is read: nothing of a forged post is used.
+    if (ForeignPost()) {
+        return Fail("KV-LXR-15011", "The request came from another site and was refused.", message,
+                    status);
+    }
     std::string document;
     GetFields();
     if (!BuildUpdateDocument(PostData, document)) {
@@ -210,8 +230,8 @@ int PostFlow(const char* identity, const std::string& adminPath, char* message) 
     }
     if (result != 0) {
         // Every non-zero write result is a failure, positive ones included.
-        char status[kShortSize] = {};
-        FailureExit(message, status, sizeof status);
+        char writeStatus[kShortSize] = {};
+        FailureExit(message, writeStatus, sizeof writeStatus);
         return 0;
     }
     ResultPage(message);
@@ -254,6 +274,6 @@ int KvMainEnvUTF8(int argc, char** argv, char** /*envp*/) {
                     message, status);
     }
     if (std::string(method) == "GET") return GetFlow(query, identity, adminPath, message, status);
-    if (std::string(method) == "POST") return PostFlow(identity, adminPath, message);
+    if (std::string(method) == "POST") return PostFlow(identity, adminPath, message, status);
     return Fail("KV-LXR-15006", "Unknown REQUEST_METHOD.", message, status);
 }

@@ -5,6 +5,7 @@
 
 #include "fields/field_model.h"
 #include "fields/field_util.h"
+#include "html/output_profile.h"
 
 using fields::kStampLength;
 using fields::SkipBlanks;
@@ -102,14 +103,14 @@ void DateSomething(const char* value, const char* label) {
     std::string date = OutDate(value);
     if (date.empty()) {
         prtFormatter.printf("<span class=\"INNERPROMPT\">%s&nbsp;</span>", label);
-        prtFormatter.printf("%s\n", value);
+        prtFormatter.printf("%s\n", OutText(value));
         return;
     }
     prtFormatter.printf("<span class=\"INNERPROMPT\">%s&nbsp;</span>\n", tagWhen);
     fields::WriteLocalDate(date);
     if (std::strlen(value) <= kStampLength) return;
     prtFormatter.printf("<span class=\"INNERPROMPT\">&nbsp;&nbsp;<wbr>%s&nbsp;</span>", label);
-    prtFormatter.printf("%s", AfterStamp(value));
+    prtFormatter.printf("%s", OutText(AfterStamp(value)));
 }
 
 void outSomethingDateSomething(const char* value, const char* firstLabel, const char* label) {
@@ -122,18 +123,18 @@ void outSomethingDateSomething(const char* value, const char* firstLabel, const 
         prtFormatter.printf("<span class=\"INNERPROMPT\">%s&nbsp;</span>\n", firstLabel);
     }
     const char* rest = value;
-    prtFormatter.printf("%s", fields::TakeWord(rest));
+    prtFormatter.printf("%s", OutText(fields::TakeWord(rest)));
     rest = SkipBlanks(rest);
     if (*rest == '\0') return;
     std::string date = OutDate(rest);
     if (date.empty()) {
         prtFormatter.printf("<span class=\"INNERPROMPT\">&nbsp;&nbsp;<wbr>%s&nbsp;</span>", label);
-        prtFormatter.printf("%s\n", rest);
+        prtFormatter.printf("%s\n", OutText(rest));
         return;
     }
     prtFormatter.printf("<span class=\"INNERPROMPT\">&nbsp;&nbsp;<wbr>%s&nbsp;</span>\n", tagWhen);
     fields::WriteLocalDate(date);
     if (std::strlen(rest) <= kStampLength) return;
     prtFormatter.printf("<span class=\"INNERPROMPT\">&nbsp;&nbsp;<wbr>%s&nbsp;</span>", label);
-    prtFormatter.printf("%s\n", AfterStamp(rest));
+    prtFormatter.printf("%s\n", OutText(AfterStamp(rest)));
 }

@@ -8,6 +8,7 @@
 #include "fields/field_model.h"
 #include "fields/field_util.h"
 #include "fields/redirect_entry.h"
+#include "html/output_profile.h"
 
 using fields::kStampLength;
 using fields::Put;
@@ -21,7 +22,7 @@ namespace {
 void WriteReadOnlyComment(const char* rest) {
     if (*rest == '\0') return;
     prtFormatter.printf("<span class=\"INNERPROMPTRO\">&nbsp;&nbsp;<wbr>%s&nbsp;</span>%s",
-                        tagComment, rest);
+                        tagComment, OutText(rest));
 }
 
 void WriteStatusLabel() {
@@ -31,14 +32,14 @@ void WriteStatusLabel() {
 void WriteAddress(const char* rest) {
     if (*rest == '\0') return;
     prtFormatter.printf("<span class=\"INNERPROMPT\">&nbsp;&nbsp;<wbr>%s&nbsp;</span>%s", tagIP,
-                        rest);
+                        OutText(rest));
 }
 
 }  // namespace
 
 void outStandard(const char* value, int, bool, bool) {
     value = Trimmed(value);
-    prtFormatter.printf("%s\n", *value ? value : tagNotSet.c_str());
+    prtFormatter.printf("%s\n", *value ? OutText(value) : tagNotSet);
 }
 
 void outImmediateChange(const char* value, int, bool, bool) {
@@ -46,7 +47,7 @@ void outImmediateChange(const char* value, int, bool, bool) {
     if (*value == '\0') {
         prtFormatter.printf("%s\n", tagNO);
     } else {
-        prtFormatter.printf("%s - %s\n", tagYES, value);
+        prtFormatter.printf("%s - %s\n", tagYES, OutText(value));
     }
 }
 
@@ -73,7 +74,7 @@ void outCountComment(const char* value, int, bool, bool) {
         return;
     }
     prtFormatter.printf("<span class=\"INNERPROMPTRO\">%s&nbsp;</span>", tagTimes);
-    prtFormatter.printf("%s", TakeWord(value));
+    prtFormatter.printf("%s", OutText(TakeWord(value)));
     WriteReadOnlyComment(SkipBlanks(value));
 }
 
@@ -92,7 +93,7 @@ void outDaysOverride(const char* value, int, bool, bool) {
         prtFormatter.printf("%s", tagNever);
     } else {
         prtFormatter.printf("<span class=\"INNERPROMPTRO\">%s&nbsp;</span>", tagDays);
-        prtFormatter.printf("%s", days);
+        prtFormatter.printf("%s", OutText(days));
     }
     WriteReadOnlyComment(SkipBlanks(value));
 }
@@ -106,7 +107,7 @@ void outDateStatusIP(const char* value, int, bool, bool) {
     std::string date = OutDate(value);
     if (date.empty()) {
         WriteStatusLabel();
-        prtFormatter.printf("%s", TakeWord(value));
+        prtFormatter.printf("%s", OutText(TakeWord(value)));
         WriteAddress(SkipBlanks(value));
         return;
     }
@@ -117,7 +118,7 @@ void outDateStatusIP(const char* value, int, bool, bool) {
     WriteStatusLabel();
     // The status word also names its style class (STATUSFAILED, STATUSSUCCESS).
     std::string status = TakeWord(rest);
-    prtFormatter.printf("<span class=\"STATUS%s\">%s</span>\n", status, status);
+    prtFormatter.printf("<span class=\"STATUS%s\">%s</span>\n", OutAttr(status), OutText(status));
     WriteAddress(SkipBlanks(rest));
 }
 
@@ -139,11 +140,14 @@ void outHistory(const char* value, int, bool, bool) {
     }
     if (more) {
         std::string word = NextToken(cursor);
-        status = "<span class=\"STATUS" + word + "\">" + word + "</span>";
-        address = NextToken(cursor);
-        rest = cursor;
+        // The status word is markup of ours around the directory's word.
+        status =
+            OutScript("<span class=\"STATUS" + OutAttr(word) + "\">" + OutText(word) + "</span>");
+        address = OutScriptHtml(NextToken(cursor));
+        rest = OutScriptHtml(cursor);
     }
-    // Written into the body of ShowDetail_NAME; the texts go into the script
+    // Written into the body of ShowDetail_NAME, whose LogEntry writes the
+    // texts into the document as markup; by default they go into the script
     // strings unescaped, as they always have.
     prtFormatter.printf("    LogEntry(W, '%s', '%s', '%s', '%s');\n", date, status, address, rest);
 }
@@ -158,8 +162,8 @@ void outGenRedirect(const char* value, int, bool first, bool last) {
     fields::RedirectEntry entry = fields::ReadRedirectEntry(value);
     Put("<tr>\n");
     prtFormatter.printf("<td nowrap><span class=\"INNERPROMPT\">%s&nbsp;</span></td>\n",
-                        entry.label);
-    prtFormatter.printf("<td align=\"center\" nowrap>%s</td>\n", entry.target);
+                        OutText(entry.label));
+    prtFormatter.printf("<td align=\"center\" nowrap>%s</td>\n", OutText(entry.target));
     fields::WriteRedirectTail(entry);
     if (last) Put("</table>\n");
 }

@@ -6,6 +6,7 @@
 #include "fields/dates.h"
 #include "fields/display.h"
 #include "fields/field_util.h"
+#include "html/output_profile.h"
 
 using fields::AddFragment;
 using fields::Put;
@@ -85,7 +86,8 @@ Finisher ResetToNow(ResetKind kind, const char* name, const char* value) {
     Put("<table border=\"0\">\n");
     Put("<tr>");
     Put("<td width=\"1\">\n");
-    prtFormatter.printf("<INPUT TYPE=\"RADIO\" NAME=\"%s\" VALUE=\"%s\" CHECKED>", name, value);
+    prtFormatter.printf("<INPUT TYPE=\"RADIO\" NAME=\"%s\" VALUE=\"%s\" CHECKED>", name,
+                        OutAttr(value));
     Put("</td>\n");
     Put("<td>");
     if (kind == ResetKind::kDateComment) {
@@ -142,7 +144,7 @@ Finisher ScheduleDate(Schedule kind, const char* name, const char* value) {
     std::string click = ClickScript(kind, name);
     prtFormatter.printf(
         "<td width=\"1\"><INPUT TYPE=\"RADIO\" NAME=\"%s\" VALUE=\"%s\" onClick=\"%s\"%s></td>\n",
-        name, value, click, date.empty() ? "" : " CHECKED");
+        name, OutAttr(value), click, date.empty() ? "" : " CHECKED");
     Put("<td>\n");
     Put("<SCRIPT LANGUAGE=\"JavaScript\">\n");
     Put("<!--\n");
@@ -158,7 +160,7 @@ Finisher ScheduleDate(Schedule kind, const char* name, const char* value) {
     prtFormatter.printf("<span class=\"INNERPROMPT\">&nbsp;&nbsp;<wbr>%s</span>", tagComment);
     prtFormatter.printf(
         "<INPUT TYPE=\"TEXT\" NAME=\"%s_COMMENT\" VALUE=\"%s\" SIZE=\"20\" MAXLENGTH=\"20\">", name,
-        comment);
+        OutAttr(comment));
     Put("</td></tr>\n");
 
     bool forever = kind == Schedule::kDisableUntil && firstWord == "FOREVER";

@@ -3,6 +3,7 @@
 #include "fields/display.h"
 #include "fields/field_util.h"
 #include "fields/redirect_entry.h"
+#include "html/output_profile.h"
 
 using fields::AddFragment;
 using fields::Put;
@@ -64,19 +65,20 @@ Finisher inGenRedirect(const char* name, const char* value, int index, bool firs
     prtFormatter.printf("<td nowrap align=\"center\"><INPUT TYPE=\"CHECKBOX\" NAME=\"%s\"></td>\n",
                         name);
     prtFormatter.printf("<td nowrap><span class=\"INNERPROMPT\">%s&nbsp;</span></td>\n",
-                        entry.label);
-    prtFormatter.printf("<td align=\"center\" nowrap>%s</td>\n", entry.target);
+                        OutText(entry.label));
+    prtFormatter.printf("<td align=\"center\" nowrap>%s</td>\n", OutText(entry.target));
     fields::WriteRedirectTail(entry);
     if (last) Put("</table>\n");
 
-    // A checked box posts KEY=0 in place of the entry; the key and the entry
-    // go into the script strings unescaped, as they always have.
+    // A checked box posts KEY=0 in place of the entry; by default the key and
+    // the entry go into the script strings unescaped, as they always have.
+    std::string key = OutScript(entry.key);
+    std::string entryValue = OutScript(value);
     if (first && last) {
-        AddFragment(DataMoves, kRedirectMoveSingle, name, name, entry.key, name, value);
+        AddFragment(DataMoves, kRedirectMoveSingle, name, name, key, name, entryValue);
     } else {
         long at = index;
-        AddFragment(DataMoves, kRedirectMoveIndexed, name, at, name, at, entry.key, name, at,
-                    value);
+        AddFragment(DataMoves, kRedirectMoveIndexed, name, at, name, at, key, name, at, entryValue);
     }
     // The entry's hidden field is made by the caller; the n-th checkbox and
     // the n-th hidden field belong together.

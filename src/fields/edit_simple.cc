@@ -5,6 +5,7 @@
 #include <string>
 
 #include "fields/field_util.h"
+#include "html/output_profile.h"
 
 using fields::AddFragment;
 using fields::Put;
@@ -94,9 +95,11 @@ void WritePasswordRow(const char* key, const char* defaultText, const char* inpu
 
 Finisher inStandard(const char* name, const char* value, int, bool, bool) {
     // The value goes out exactly as received, leading blanks and all.
-    prtFormatter.printf("<INPUT TYPE=\"TEXT\" NAME=\"%s\" VALUE=\"%s\" size=\"30\">", name,
-                        value ? value : "");
-    AddFragment(DataMoves, "SimpleMove('%s');\n", name);
+    prtFormatter.printf("<INPUT TYPE=\"TEXT\" NAME=\"%s\" VALUE=\"%s\" size=\"30\">", OutAttr(name),
+                        OutAttr(value));
+    // Any attribute without a handler of its own comes here, so its name is
+    // the directory's and is escaped like its value.
+    AddFragment(DataMoves, "SimpleMove('%s');\n", OutScript(name));
     return nullptr;
 }
 
@@ -141,7 +144,7 @@ Finisher inDaysOverride(const char* name, const char* value, int, bool, bool) {
     prtFormatter.printf("<span class=\"INNERPROMPT\">&nbsp;&nbsp;%s&nbsp;</span>", tagComment);
     prtFormatter.printf(
         "<INPUT TYPE=\"TEXT\" NAME=\"%s_COMMENT\" VALUE=\"%s\" SIZE=\"20\" MAXLENGTH=\"20\">\n",
-        name, comment);
+        name, OutAttr(comment));
     AddFragment(DataMoves, kDaysMove, name, name, name, name, name, name, name, name);
     // A comment may only be given together with a number of days.
     AddFragment(DataEdits, kDaysEdit, name, name);
@@ -156,7 +159,7 @@ Finisher inImmediateChange(const char* name, const char* value, int, bool, bool)
     // The stored flag text is its comment.
     prtFormatter.printf(
         "<INPUT TYPE=\"TEXT\" NAME=\"%s_COMMENT\" VALUE=\"%s\" SIZE=\"30\" MAXLENGTH=\"30\">\n",
-        name, value);
+        name, OutAttr(value));
     AddFragment(DataEdits, kImmediateEdit, name, name);
     AddFragment(DataMoves, kImmediateMove, name, name, name, name, name, name);
     return nullptr;

@@ -2,6 +2,7 @@
 
 #include "fields/dates.h"
 #include "fields/field_util.h"
+#include "html/output_profile.h"
 
 namespace fields {
 
@@ -47,8 +48,8 @@ void WriteRedirectTail(const RedirectEntry& entry) {
         Put("</SCRIPT>\n");
         Put("</td>\n");
     }
-    prtFormatter.printf("<td>%s</td>\n", entry.address);
-    prtFormatter.printf("<td>%s</td>\n", entry.comment);
+    prtFormatter.printf("<td>%s</td>\n", OutText(entry.address));
+    prtFormatter.printf("<td>%s</td>\n", OutText(entry.comment));
     Put("</tr>\n");
 }
 

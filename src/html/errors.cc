@@ -4,6 +4,7 @@
 #include <string>
 
 #include "cgi/response.h"
+#include "html/output_profile.h"
 #include "html/page.h"
 #include "html/page_text.h"
 #include "i18n/language.h"
@@ -34,8 +35,7 @@ void StandardHead() {
 
 }  // namespace
 
-void ErrorPageOrRedirect(const char* message, const char* statusKey, char* status,
-                         int statusSize) {
+void ErrorPageOrRedirect(const char* message, const char* statusKey, char* status, int statusSize) {
     if (IsURL(message)) {
         Redirect(message, nullptr, true);
         return;
@@ -50,16 +50,16 @@ void ErrorPageOrRedirect(const char* message, const char* statusKey, char* statu
 void DoError(const char* message, const char* returnURL) {
     prtFormatter.printf("<SCRIPT LANGUAGE=\"JavaScript\">\n");
     prtFormatter.printf("<!--\n");
-    prtFormatter.printf("      alert(\"%s\");\n", message);
+    prtFormatter.printf("      alert(\"%s\");\n", OutScript(message));
     prtFormatter.printf("      window.history.back()\n");
     prtFormatter.printf("//-->\n");
     prtFormatter.printf("</SCRIPT>\n");
     prtFormatter.printf("<noscript>\n");
     prtFormatter.printf("<span align=\"center\">\n");
-    prtFormatter.printf("<h1>%s</h1><br>\n", message);
+    prtFormatter.printf("<h1>%s</h1><br>\n", OutText(message));
     if (returnURL != nullptr) {
         html::PageText back(LangWithID, "KV-LXR-12013", "Click here to return.");
-        prtFormatter.printf("<a href=\"%s\">%s</a>\n", returnURL, back.buffer);
+        prtFormatter.printf("<a href=\"%s\">%s</a>\n", OutAttr(OutAddress(returnURL)), back.buffer);
     }
     prtFormatter.printf("</span>\n");
     prtFormatter.printf("</noscript>\n");

@@ -8,6 +8,7 @@
 #include "fields/dates.h"
 #include "fields/display.h"
 #include "fields/edit_simple.h"
+#include "html/output_profile.h"
 #include "pages/page_parts.h"
 #include "pages/xml_reader.h"
 #include "platform/env.h"
@@ -45,7 +46,7 @@ void WritePicture(const AttributeElement& attribute) {
     if (picture == Picture::kNone) return;
     prtFormatter.printf(
         "<img name=\"%s_IMAGE\" width=\"20\" height=\"20\" hspace=\"0\" vspace=\"0\" border=\"0\"",
-        attribute.name);
+        OutAttr(attribute.name));
     switch (picture) {
         case Picture::kDisabled:
             prtFormatter.printf(" src=\"../korvelagent/dmspages/Disabled.gif\" title=\"%s\"",

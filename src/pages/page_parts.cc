@@ -1,5 +1,6 @@
 #include "pages/page_parts.h"
 
+#include "html/output_profile.h"
 #include "platform/formatter.h"
 
 void WriteDialogOpen(const char* title, const char* innerClass) {
@@ -16,7 +17,7 @@ void WriteDialogOpen(const char* title, const char* innerClass) {
 void WriteLabelCell(const char* label) {
     if (label[0] != '\0') {
         prtFormatter.printf("<td width=\"1\" valign=\"top\">\n");
-        prtFormatter.printf("<span class=\"PROMPT\">%s</span>\n", label);
+        prtFormatter.printf("<span class=\"PROMPT\">%s</span>\n", OutText(label));
         prtFormatter.printf("</td>\n");
         prtFormatter.printf("<td valign=\"top\">\n");
     } else {

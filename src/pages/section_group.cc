@@ -2,6 +2,7 @@
 
 #include "cgi/fields.h"
 #include "fields/field_model.h"
+#include "html/output_profile.h"
 #include "i18n/language.h"
 #include "pages/page_parts.h"
 #include "pages/user_display.h"
@@ -17,7 +18,7 @@ void WriteGroupImage(const GroupElement& group) {
     prtFormatter.printf(
         "<img name=\"GROUP-%s_IMAGE\" width=\"20\" height=\"20\" hspace=\"0\" vspace=\"0\" "
         "border=\"0\"",
-        group.name);
+        OutAttr(group.name));
     switch (group.member) {
         case Membership::kMember:
             prtFormatter.printf(" src=\"../korvelagent/dmspages/Disabled.gif\" title=\"%s\"",
@@ -42,18 +43,21 @@ void AddOutputField(const std::string& name, const char* value) {
 
 // Membership known and changeable: one box, posted as "1" or "0".
 void WriteCheckbox(const GroupElement& group) {
-    const char* name = group.name.c_str();
+    const std::string name = OutAttr(group.name);
+    const std::string handlerName = OutHandler(group.name);
+    const std::string scriptName = OutScript(group.name);
     prtFormatter.printf("<INPUT TYPE=\"CHECKBOX\" NAME=\"GROUP-%s\"", name);
     bool member = group.member == Membership::kMember;
     if (member) prtFormatter.printf(" checked");
     AddOutputField("GROUP-" + group.name, member ? "1" : "0");
-    if (!group.reasoncode.empty()) prtFormatter.printf(" onClick=\"CheckDisabled('%s');\"", name);
+    if (!group.reasoncode.empty())
+        prtFormatter.printf(" onClick=\"CheckDisabled('%s');\"", handlerName);
     DataMoves.emplace_back(
         prtFormatter.sprintf("if (document.DisplayForm.elements['GROUP-%s'].checked)\n"
                              "        document.PostForm.elements['GROUP-%s'].value = '1';\n"
                              "    else\n"
                              "        document.PostForm.elements['GROUP-%s'].value = '0';\n",
-                             name, name, name));
+                             scriptName, scriptName, scriptName));
     prtFormatter.printf(">\n");
 }
 
@@ -74,7 +78,9 @@ void WriteRadioButtons(const GroupElement& group, char* label) {
         {"<INPUT TYPE=\"RADIO\" NAME=\"GROUP-%s\" VALUE=\"0\" ",
          "onClick=\"CheckDisabled3('%s', 2);\"", "KV-LXR-12075", "Remove"},
     };
-    const char* name = group.name.c_str();
+    const std::string name = OutAttr(group.name);
+    const std::string handlerName = OutHandler(group.name);
+    const std::string scriptName = OutScript(group.name);
     prtFormatter.printf("%s",
                         "<table width=\"100%\" border=\"0\" cellpadding=\"0\" "
                         "cellspacing=\"0\"><tr>\n");
@@ -82,7 +88,7 @@ void WriteRadioButtons(const GroupElement& group, char* label) {
         prtFormatter.printf("%s", "<td width=\"33%\">\n");
         prtFormatter.printf("<span class=\"GROUPBUTTONS\">");
         prtFormatter.printf(choice.button, name);
-        if (!group.reasoncode.empty()) prtFormatter.printf(choice.onClick, name);
+        if (!group.reasoncode.empty()) prtFormatter.printf(choice.onClick, handlerName);
         Lang->Translate(label, kLabelSize, choice.key, choice.text);
         prtFormatter.printf(">%s", label);
         prtFormatter.printf("</span>");
@@ -98,7 +104,7 @@ void WriteRadioButtons(const GroupElement& group, char* label) {
                              "        document.PostForm.elements['GROUP-%s'].value = \"0\";\n"
                              "    else\n"
                              "        document.PostForm.elements['GROUP-%s'].value = \"\";\n",
-                             name, name, name, name, name));
+                             scriptName, scriptName, scriptName, scriptName, scriptName));
 }
 
 // Read-only: the membership as a word.
@@ -122,7 +128,7 @@ void WriteSectionRow(const SectionElement& section) {
     if (label[0] == '\0') {
         prtFormatter.printf("<hr class=\"INTERSECTION\">\n");
     } else {
-        prtFormatter.printf("<span class=\"SECTION\">%s</span>\n", label);
+        prtFormatter.printf("<span class=\"SECTION\">%s</span>\n", OutText(label));
     }
     prtFormatter.printf("</td></tr>\n");
     bNewSection = true;

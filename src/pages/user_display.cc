@@ -6,6 +6,7 @@
 #include "cgi/response.h"
 #include "fields/field_model.h"
 #include "html/errors.h"
+#include "html/output_profile.h"
 #include "html/page.h"
 #include "i18n/language.h"
 #include "pages/attribute_row.h"
@@ -85,7 +86,7 @@ void WriteDisabledRow() {
         } else if (std::isspace(static_cast<unsigned char>(c))) {
             prtFormatter.printf("&nbsp;");
         } else {
-            prtFormatter.printf("%c", c);
+            prtFormatter.printf("%s", OutText(std::string(1, c)));
         }
     }
     prtFormatter.printf("</span>\n");
@@ -125,11 +126,11 @@ void WriteButtons() {
         const char* format =
             "<INPUT TYPE=\"BUTTON\" VALUE=\"%s\" onClick=\"window.location='%s';\">\n";
         if (cancelTo != Args.end()) {
-            prtFormatter.printf(format, text, cancelTo->second);
+            prtFormatter.printf(format, text, OutHandler(OutAddress(cancelTo->second)));
         } else if (returnTo != nullptr) {
-            prtFormatter.printf(format, text, returnTo);
+            prtFormatter.printf(format, text, OutHandler(OutAddress(returnTo)));
         } else if (text[0] != '\0') {
-            prtFormatter.printf(format, text, SelectionTarget());
+            prtFormatter.printf(format, text, OutHandler(OutAddress(SelectionTarget())));
         }
     }
 
@@ -139,7 +140,7 @@ void WriteButtons() {
         prtFormatter.printf(
             "<INPUT TYPE=\"BUTTON\" VALUE=\"%s\" onClick=\"window.open('%s', 'LXRADMINHELP', '', "
             "true);\">\n",
-            text, help);
+            text, OutHandler(OutAddress(help)));
     }
     prtFormatter.printf("</td></tr>\n");
     prtFormatter.printf("</table>\n");
@@ -186,14 +187,15 @@ void WritePostForm(const std::string& userName) {
 <FORM METHOD="POST" NAME="PostForm">
 )");
     for (const OUTPUTFIELD* field : OutputFields) {
-        prtFormatter.printf("    <INPUT TYPE=\"HIDDEN\" NAME=\"%s\" VALUE=\"%s\">\n", field->name,
-                            field->value);
+        prtFormatter.printf("    <INPUT TYPE=\"HIDDEN\" NAME=\"%s\" VALUE=\"%s\">\n",
+                            OutAttr(field->name), OutAttr(field->value));
     }
-    prtFormatter.printf("    <INPUT TYPE=\"HIDDEN\" NAME=\"LXR-USERDN\" VALUE=\"%s\">\n", userName);
+    prtFormatter.printf("    <INPUT TYPE=\"HIDDEN\" NAME=\"LXR-USERDN\" VALUE=\"%s\">\n",
+                        OutAttr(userName));
     auto packed = Args.find("LXRAdminARGS");
     if (packed != Args.end()) {
         prtFormatter.printf("    <INPUT TYPE=\"HIDDEN\" NAME=\"LXRAdminARGS\" VALUE=\"%s\">\n",
-                            URLEncode(packed->second.c_str()));
+                            OutAttr(URLEncode(packed->second.c_str())));
     }
     prtFormatter.printf("</FORM>\n");
 }

@@ -1,12 +1,13 @@
-#include "pages/page_parts.h"
 #include "pages/user_selection.h"
 
 #include "cgi/fields.h"
 #include "cgi/response.h"
 #include "html/errors.h"
+#include "html/output_profile.h"
 #include "html/page.h"
 #include "i18n/language.h"
 #include "pages/directory_list.h"
+#include "pages/page_parts.h"
 #include "platform/env.h"
 #include "platform/formatter.h"
 
@@ -37,7 +38,8 @@ void WriteDirectoryRow(const DirectoryTable& table, char* text) {
     prtFormatter.printf("<td><select name=\"USERDIR\" size=\"1\">\n");
     // No option is pre-selected and, as always, none is closed.
     for (const auto& entry : table) {
-        prtFormatter.printf("<option value=\"%s\">%s\n", entry.second, entry.first);
+        prtFormatter.printf("<option value=\"%s\">%s\n", OutAttr(entry.second),
+                            OutText(entry.first));
     }
     prtFormatter.printf("</select></td>\n");
     prtFormatter.printf("</tr>\n");
@@ -69,7 +71,7 @@ void WriteButtonRow(char* text) {
         Lang->Translate(text, kTextSize, "KV-LXR-12005", "Cancel");
         prtFormatter.printf(
             "<INPUT TYPE=\"BUTTON\" VALUE=\"%s\" onClick=\"window.location='%s';\">\n", text,
-            cancelTo != Args.end() ? cancelTo->second.c_str() : returnTo);
+            OutHandler(OutAddress(cancelTo != Args.end() ? cancelTo->second.c_str() : returnTo)));
     }
     const char* help = EnvText("HTTP_HELPURL");
     if (help != nullptr) {
@@ -77,7 +79,7 @@ void WriteButtonRow(char* text) {
         prtFormatter.printf(
             "<INPUT TYPE=\"BUTTON\" VALUE=\"%s\" onClick=\"window.open('%s', 'LXRADMINHELP', '', "
             "true);\">\n",
-            text, help);
+            text, OutHandler(OutAddress(help)));
     }
 }
 
@@ -114,7 +116,7 @@ void UserSelection(const char* document) {
     // With one directory there is nothing to choose.
     if (table.size() == 1) {
         prtFormatter.printf("<INPUT TYPE=\"HIDDEN\" NAME=\"USERDIR\" VALUE=\"%s\">\n",
-                            table.begin()->second);
+                            OutAttr(table.begin()->second));
     }
     Lang->Translate(text, sizeof text, "KV-LXR-12000", "Enter User Specification");
     WriteDialogOpen(text, "SELECTINNERBOX");
@@ -129,8 +131,8 @@ void UserSelection(const char* document) {
     // The request's context goes forward whole, ReadOnly included, although
     // the READONLY field above already says the same.
     for (const auto& arg : Args) {
-        prtFormatter.printf("<INPUT TYPE=\"HIDDEN\" NAME=\"%s\" VALUE=\"%s\">\n", arg.first,
-                            arg.second);
+        prtFormatter.printf("<INPUT TYPE=\"HIDDEN\" NAME=\"%s\" VALUE=\"%s\">\n",
+                            OutAttr(arg.first), OutAttr(arg.second));
     }
     prtFormatter.printf("</FORM>\n");
     SetFocus();

@@ -15,7 +15,8 @@ export const CHROMIUM_ARGS = [
 
 // Resolves to a browser context on a new profile directory. The browser runs
 // in UTC so that the dates typed into the pages are the stamps posted.
-export async function launchBrowser({ timezoneId = 'UTC' } = {}) {
+// httpCredentials: the basic login to answer a server's challenge with.
+export async function launchBrowser({ timezoneId = 'UTC', httpCredentials } = {}) {
   return chromium.launchPersistentContext(tempDir('chromium'), {
     executablePath: CHROMIUM,
     headless: true,
@@ -23,6 +24,7 @@ export async function launchBrowser({ timezoneId = 'UTC' } = {}) {
     timezoneId,
     locale: 'en-US',
     viewport: { width: 1000, height: 1100 },
+    ...(httpCredentials ? { httpCredentials } : {}),
   });
 }
 

@@ -34,10 +34,11 @@ export function parseLdif(text) {
 }
 
 export class DemoDirectory {
-  constructor() {
+  // ldif: the directory's contents, examples/demo.ldif unless given.
+  constructor({ ldif } = {}) {
     this.dir = tempDir('demo');
     execFileSync('bash', [path.join(SOURCE, 'web/make-demo.sh'), '--lxrdir', LXRDIR, '--dir',
-      this.dir], { stdio: 'ignore' });
+      this.dir, ...(ldif ? ['--ldif', ldif] : [])], { stdio: 'ignore' });
     const env = fs.readFileSync(path.join(this.dir, 'demo.env'), 'utf8');
     this.env = Object.fromEntries([...env.matchAll(/^(\w+)='([^']*)'$/gm)].map((m) => [m[1], m[2]]));
     this.store = this.env.DEMO_STORE;

@@ -55,8 +55,9 @@ function killPidFile(pidFile) {
 
 // Starts web/lighttpd.sh on a free loopback port. agent: values for
 // var.agent_* (a file path or an object); env: CGI environment; aliases:
-// extra URL => path mappings. Returns { url, run, stop() }.
-export function startLighttpd({ agent, env = {}, aliases = {}, cgi = EXE }) {
+// extra URL => path mappings; flags: more arguments of web/lighttpd.sh
+// (--no-guard, ...). Returns { url, run, stop() }.
+export function startLighttpd({ agent, env = {}, aliases = {}, cgi = EXE, flags = [] }) {
   const run = tempDir('lighttpd');
   let agentFile = agent;
   if (typeof agent !== 'string') {
@@ -67,6 +68,7 @@ export function startLighttpd({ agent, env = {}, aliases = {}, cgi = EXE }) {
     '--agent', agentFile];
   for (const [k, v] of Object.entries(env)) args.push('--env', `${k}=${v}`);
   for (const [k, v] of Object.entries(aliases)) args.push('--alias', `${k}=${v}`);
+  args.push(...flags);
   const pidFile = path.join(run, 'lighttpd.pid');
   cleanups.push(() => killPidFile(pidFile));
   const url = execFileSync('bash', args, { encoding: 'utf8' }).trim().split('\n').pop();
