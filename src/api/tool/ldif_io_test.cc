@@ -42,6 +42,7 @@ TEST(LdifTest, FaultsNameTheSourceAndLine) {
         {"dn: uid=a,o=t\ncn: a\n\ndn: uid=b,o=t\nchangetype: delete\n",
          "t.ldif:4: only content records and changetype add are read"},
         {"dn: uid=a,o=t\nnocolon\n", "t.ldif:1: cannot read the line"},
+        {"dn: uid=a,o=t\n\r#: x\n", "t.ldif:1: the attribute name"},
     };
     for (const Case& c : cases) {
         std::vector<Entry> entries;
