@@ -31,7 +31,16 @@ Status ParseRecord(char* record, const std::string& name, unsigned long line, En
         int freeval = 0;
         if (ldif_parse_line2(text, &type, &value, &freeval) != 0)
             return Fault(name, line, "cannot read the line \"" + std::string(text) + "\"");
-        std::string t(type.bv_val, type.bv_len);
+        // libldap ends a type written with blanks before its ":" ("cn :")
+        // with a NUL but counts the blanks in its length: the name is the
+        // text before the NUL.
+        std::string t(type.bv_val, strnlen(type.bv_val, type.bv_len));
+        // Only an attribute description (letters, digits, "-", ";" options,
+        // "." in OIDs) can be written out again: libldap reads "\r#: x" as an
+        // attribute named "#", which an export would turn into a comment.
+        if (t.empty() || t.find_first_not_of("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ"
+                                             "0123456789-;.") != std::string::npos)
+            return Fault(name, line, "the attribute name \"" + t + "\" is not valid");
         std::string v(value.bv_val ? value.bv_val : "", value.bv_len);
         if (freeval) ber_memfree(value.bv_val);
         if (entry->dn.empty()) {

@@ -20,7 +20,7 @@ TEST(LdifTest, ReadsRecordsWithFoldingBase64AndComments) {
         "\n"
         "dn: uid=b,o=t\n"
         "changetype: add\n"
-        "uid: b\n";
+        "uid : b\n";  // blanks before the colon are not part of the name
     std::vector<Entry> entries;
     Status s = ParseLdif(text, "t.ldif", &entries);
     ASSERT_TRUE(s.ok()) << s.message();
@@ -28,6 +28,8 @@ TEST(LdifTest, ReadsRecordsWithFoldingBase64AndComments) {
     EXPECT_EQ(entries[0].dn, "uid=a,o=t");
     EXPECT_EQ(entries[0].Values("cn"), (std::vector<std::string>{"Anne Lee", "Second"}));
     EXPECT_EQ(entries[0].First("description"), "<b>&lt;");
+    ASSERT_EQ(entries[1].attributes.size(), 1u);
+    EXPECT_EQ(entries[1].attributes[0].name, "uid");
     EXPECT_EQ(entries[1].First("uid"), "b");
 }
 
@@ -40,6 +42,7 @@ TEST(LdifTest, FaultsNameTheSourceAndLine) {
         {"dn: uid=a,o=t\ncn: a\n\ndn: uid=b,o=t\nchangetype: delete\n",
          "t.ldif:4: only content records and changetype add are read"},
         {"dn: uid=a,o=t\nnocolon\n", "t.ldif:1: cannot read the line"},
+        {"dn: uid=a,o=t\n\r#: x\n", "t.ldif:1: the attribute name"},
     };
     for (const Case& c : cases) {
         std::vector<Entry> entries;
