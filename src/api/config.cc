@@ -337,7 +337,7 @@ bool ReadLdap(Reader& r, const toml::table& t, int index, Config* config) {
     if (!r.OnlyKeys(t, where.c_str(),
                     {"url", "bind_dn", "password_file", "password_env", "tls", "ca_file",
                      "tls_verify", "timeout_ms", "audit", "auxiliary_class", "policy",
-                     "default_policy", "policy_base", "access_log"}) ||
+                     "default_policy", "access_log"}) ||
         !r.String(t, "url", where.c_str(), true, &l.url))
         return false;
     if (!IsLdapUrl(l.url) || l.url.find_first_of(" \t") != std::string::npos)
@@ -358,7 +358,6 @@ bool ReadLdap(Reader& r, const toml::table& t, int index, Config* config) {
         !r.String(t, "auxiliary_class", where.c_str(), false, &l.auxiliaryClass) ||
         !r.String(t, "policy", where.c_str(), false, &policy) ||
         !r.String(t, "default_policy", where.c_str(), false, &l.defaultPolicy) ||
-        !r.String(t, "policy_base", where.c_str(), false, &l.policyBase) ||
         !r.String(t, "access_log", where.c_str(), false, &l.accessLog))
         return false;
     if (policy != "" && policy != "ppolicy")
@@ -367,11 +366,8 @@ bool ReadLdap(Reader& r, const toml::table& t, int index, Config* config) {
     if (l.serverPolicy && l.defaultPolicy.find('=') == std::string::npos)
         return r.Fail(l.line, where + ": policy 'ppolicy' needs 'default_policy', the DN of the " +
                                   "server's default policy entry");
-    if (!l.serverPolicy && (t.get("default_policy") || t.get("policy_base") || t.get("access_log")))
-        return r.Fail(l.line, where + ": 'default_policy', 'policy_base' and 'access_log' " +
-                                  "need policy = 'ppolicy'");
-    if (!l.policyBase.empty() && l.policyBase.find('=') == std::string::npos)
-        return r.Fail(l.line, where + ": 'policy_base' is not a distinguished name");
+    if (!l.serverPolicy && (t.get("default_policy") || t.get("access_log")))
+        return r.Fail(l.line, where + ": 'default_policy' and 'access_log' need policy = 'ppolicy'");
     if (!l.bindDn.empty() && l.bindDn.find('=') == std::string::npos)
         return r.Fail(l.line, where + ": 'bind_dn' is not a distinguished name");
     if (!l.passwordFile.empty() && !l.passwordEnv.empty())

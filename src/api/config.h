@@ -74,7 +74,6 @@ struct LdapConfig {
     // what the page changes is what the server enforces at the next bind.
     bool serverPolicy = false;
     std::string defaultPolicy;  // the overlay's default policy entry (users without their own)
-    std::string policyBase;     // where per-user lifetime and inactivity policies are kept; "": none
     std::string accessLog = "cn=accesslog";  // the access log database's suffix; "": no history
     int line = 0;
 };

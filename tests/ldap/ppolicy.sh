@@ -24,7 +24,7 @@ unset LXR_NOW  # the server judges by its own clock, so the API must too
 sed -e "s|ldap://127.0.0.1:3890|$H|" \
     -e "s|\"../../var/ldap.secret\"|\"$LXR_LDAP_PASSWORD_FILE\"|" \
     -e "s|\"../../var/ldap-audit.db\"|\"$work/audit.db\"|" \
-    -e 's|^auxiliary_class = .*|&\npolicy = "ppolicy"\ndefault_policy = "cn=default,ou=policies,o=example"\npolicy_base = "ou=policies,o=example"|' \
+    -e 's|^auxiliary_class = .*|&\npolicy = "ppolicy"\ndefault_policy = "cn=default,ou=policies,o=example"|' \
     "$source/examples/ldap/lxrapi.toml" >"$work/lxrapi.toml"
 export LXRAPI_CONFIG=$work/lxrapi.toml
 lead=LDAP://demo/uid=hd.lead,ou=admins,o=example

@@ -162,7 +162,6 @@ ServerPolicy ReadServerPolicy(const Entry* policy, std::string_view dn) {
     p.maxIdle = Long(*policy, "pwdMaxIdle");
     p.graceLimit = static_cast<int>(Long(*policy, "pwdGraceAuthNLimit"));
     p.mustChange = True(*policy, "pwdMustChange");
-    p.hasMinDelay = policy->Find("pwdMinDelay") != nullptr;
     return p;
 }
 

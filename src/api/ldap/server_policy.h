@@ -40,7 +40,6 @@ struct ServerPolicy {
     long maxIdle = 0;          // seconds; 0: no idle limit
     int graceLimit = 0;
     bool mustChange = false;
-    bool hasMinDelay = false;  // pwdMinDelay: such a policy brings slapd 2.5.13 down
 };
 
 ServerPolicy ReadServerPolicy(const Entry* policy, std::string_view dn);
