@@ -277,7 +277,8 @@ Status LdapConnection::SearchNewest(std::string_view base, const std::string& fi
     LDAPControl* sort = nullptr;
     int rc = l_->create_sort_control(ld_, keys, 0, &sort);
     l_->free_sort_keylist(keys);
-    if (rc != LDAP_SUCCESS) return Failure(rc, "cannot search below " + Quoted(base, 200), kUnreachable);
+    if (rc != LDAP_SUCCESS)
+        return Failure(rc, "cannot search below " + Quoted(base, 200), kUnreachable);
     LDAPControl* controls[] = {sort, nullptr};
     LDAPMessage* raw = nullptr;
     char all[] = "*";

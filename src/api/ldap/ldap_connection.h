@@ -77,8 +77,8 @@ class LdapConnection {
     // attribute `newest` (a generalized time), newest first. The server sorts
     // when it offers sorting (RFC 2891); otherwise the entries it sent are
     // sorted here.
-    Status SearchNewest(std::string_view base, const std::string& filter,
-                        const std::string& newest, int limit, std::vector<Entry>* entries);
+    Status SearchNewest(std::string_view base, const std::string& filter, const std::string& newest,
+                        int limit, std::vector<Entry>* entries);
 
     // The naming contexts the server holds (from its root DSE).
     Status NamingContexts(std::vector<std::string>* contexts);

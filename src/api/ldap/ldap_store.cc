@@ -5,10 +5,10 @@
 
 #include <random>
 
+#include "clock.h"
 #include "ldap/ldap_connection.h"
 #include "ldap/ldap_text.h"
 #include "ldap/server_policy.h"
-#include "clock.h"
 #include "message.h"
 #include "text.h"
 
@@ -80,7 +80,8 @@ class LdapTransaction : public StoreWriter {
         bool found = false;
         Status s = ldap_.Get(dn, &policy, &found);
         if (!s.ok()) return s;
-        *state = EvaluateServerAccount(user, ReadServerPolicy(found ? &policy : nullptr, dn), Now());
+        *state =
+            EvaluateServerAccount(user, ReadServerPolicy(found ? &policy : nullptr, dn), Now());
         return Status::OK();
     }
 
@@ -212,7 +213,8 @@ class LdapTransaction : public StoreWriter {
             if (rc == LDAP_SUCCESS) {
                 what = "change of ";
                 Plan(c, &change, &undo, &assertion);
-                for (const Modification& m : change) relax = relax || IsServerAttribute(m.attribute);
+                for (const Modification& m : change)
+                    relax = relax || IsServerAttribute(m.attribute);
                 relax = relax && serverPolicy();
                 if (!change.empty()) rc = ldap_.Modify(c.original.dn, change, assertion, relax);
             }
@@ -306,7 +308,8 @@ class LdapTransaction : public StoreWriter {
             }
         }
         // What the server cleared stays cleared unless the post set it.
-        if (c.current.First("pwdAccountLockedTime") != kLockedForever) c.current.Set("pwdAccountLockedTime", {});
+        if (c.current.First("pwdAccountLockedTime") != kLockedForever)
+            c.current.Set("pwdAccountLockedTime", {});
         return LDAP_SUCCESS;
     }
 
@@ -342,9 +345,9 @@ class LdapTransaction : public StoreWriter {
         auto it = cache_.find(key);
         if (it == cache_.end()) {
             Cached c;
-            Status s = ldap_.Get(dn, &c.original, &c.exists,
-                                 serverPolicy() ? ServerPolicyAttributes()
-                                                : std::vector<std::string>{});
+            Status s =
+                ldap_.Get(dn, &c.original, &c.exists,
+                          serverPolicy() ? ServerPolicyAttributes() : std::vector<std::string>{});
             if (!s.ok()) return s;
             c.current = c.original;
             it = cache_.emplace(key, std::move(c)).first;

@@ -114,10 +114,16 @@ bool LockedForever(const Entry& raw) {
 }  // namespace
 
 const std::vector<std::string>& ServerPolicyAttributes() {
-    static const std::vector<std::string> names = {
-        "pwdAccountLockedTime", "pwdFailureTime", "pwdStartTime",   "pwdEndTime",
-        "pwdReset",             "pwdGraceUseTime", "pwdLastSuccess", "pwdChangedTime",
-        "pwdPolicySubentry",    "pwdHistory"};
+    static const std::vector<std::string> names = {"pwdAccountLockedTime",
+                                                   "pwdFailureTime",
+                                                   "pwdStartTime",
+                                                   "pwdEndTime",
+                                                   "pwdReset",
+                                                   "pwdGraceUseTime",
+                                                   "pwdLastSuccess",
+                                                   "pwdChangedTime",
+                                                   "pwdPolicySubentry",
+                                                   "pwdHistory"};
     return names;
 }
 
@@ -139,7 +145,8 @@ bool ParseGeneralizedTime(std::string_view text, std::time_t* when) {
         offset = 0;
     } else if ((rest.size() == 3 || rest.size() == 5) && (rest[0] == '+' || rest[0] == '-') &&
                AllDigits(rest.substr(1))) {
-        int hours = Number(rest.substr(1, 2)), minutes = rest.size() == 5 ? Number(rest.substr(3)) : 0;
+        int hours = Number(rest.substr(1, 2)),
+            minutes = rest.size() == 5 ? Number(rest.substr(3)) : 0;
         if (hours > 23 || minutes > 59) return false;
         offset = (rest[0] == '+' ? 1 : -1) * (hours * 3600L + minutes * 60L);
     } else {
@@ -167,9 +174,9 @@ ServerPolicy ReadServerPolicy(const Entry* policy, std::string_view dn) {
 
 bool KeptByServer(std::string_view attribute) {
     static const char* const kNames[] = {
-        "kvlxrFailureCount",    "kvlxrDisableUntil", "kvlxrDisableAfter",
-        "kvlxrImmediateChange", "kvlxrGraceLoginsUsed", "kvlxrLastLogin",
-        "kvlxrLastPasswordChange", "kvlxrLoginHistory", "userPassword"};
+        "kvlxrFailureCount",       "kvlxrDisableUntil",    "kvlxrDisableAfter",
+        "kvlxrImmediateChange",    "kvlxrGraceLoginsUsed", "kvlxrLastLogin",
+        "kvlxrLastPasswordChange", "kvlxrLoginHistory",    "userPassword"};
     for (const char* n : kNames)
         if (EqualsNoCase(attribute, n)) return true;
     return false;
@@ -178,10 +185,10 @@ bool KeptByServer(std::string_view attribute) {
 void ShowServerState(const std::vector<Entry>& history, Entry* entry) {
     const Entry raw = *entry;
     std::vector<std::string> failures = raw.Values("pwdFailureTime");
-    entry->Set("kvlxrFailureCount",
-               failures.empty() ? std::vector<std::string>{}
-                                : std::vector<std::string>{std::to_string(failures.size()) + " " +
-                                                           Newest(failures)});
+    entry->Set("kvlxrFailureCount", failures.empty()
+                                        ? std::vector<std::string>{}
+                                        : std::vector<std::string>{std::to_string(failures.size()) +
+                                                                   " " + Newest(failures)});
 
     // The comments live beside the server's values, in our own attributes.
     std::string until = raw.First("kvlxrDisableUntil"), start = StampOf(raw.First("pwdStartTime"));
@@ -190,9 +197,9 @@ void ShowServerState(const std::vector<Entry>& history, Entry* entry) {
     if (LockedForever(raw))
         entry->Set("kvlxrDisableUntil", {"FOREVER " + CommentOf(until)});
     else
-        entry->Set("kvlxrDisableUntil", start.empty() ? std::vector<std::string>{}
-                                                      : std::vector<std::string>{WithComment(
-                                                            start, untilComment)});
+        entry->Set("kvlxrDisableUntil",
+                   start.empty() ? std::vector<std::string>{}
+                                 : std::vector<std::string>{WithComment(start, untilComment)});
 
     std::string after = raw.First("kvlxrDisableAfter"), end = StampOf(raw.First("pwdEndTime"));
     entry->Set("kvlxrDisableAfter",
@@ -201,13 +208,14 @@ void ShowServerState(const std::vector<Entry>& history, Entry* entry) {
                                  end, FirstWord(after) == end ? CommentOf(after) : "")});
 
     std::string flag = raw.First("kvlxrImmediateChange");
-    entry->Set("kvlxrImmediateChange",
-               True(raw, "pwdReset") ? std::vector<std::string>{flag.empty() ? "YES" : flag}
-                                     : std::vector<std::string>{});
+    entry->Set("kvlxrImmediateChange", True(raw, "pwdReset")
+                                           ? std::vector<std::string>{flag.empty() ? "YES" : flag}
+                                           : std::vector<std::string>{});
 
     size_t grace = raw.Values("pwdGraceUseTime").size();
-    entry->Set("kvlxrGraceLoginsUsed", grace == 0 ? std::vector<std::string>{}
-                                                  : std::vector<std::string>{std::to_string(grace)});
+    entry->Set("kvlxrGraceLoginsUsed", grace == 0
+                                           ? std::vector<std::string>{}
+                                           : std::vector<std::string>{std::to_string(grace)});
 
     std::string last = StampOf(raw.First("pwdLastSuccess"));
     entry->Set("kvlxrLastLogin",
@@ -223,8 +231,8 @@ void ShowServerState(const std::vector<Entry>& history, Entry* entry) {
         std::string stamp = r.First("reqStart").substr(0, 14);
         if (stamp.size() != 14 || !AllDigits(stamp)) continue;
         std::string result = r.First("reqResult");
-        records.push_back(stamp + "Z " + (result == "0" ? "SUCCESS" : "FAILED") +
-                          " not-recorded " + (result == "0" ? "bind" : "bind-result-" + result));
+        records.push_back(stamp + "Z " + (result == "0" ? "SUCCESS" : "FAILED") + " not-recorded " +
+                          (result == "0" ? "bind" : "bind-result-" + result));
     }
     entry->Set("kvlxrLoginHistory", records);
 }
@@ -253,8 +261,8 @@ Status MapServerWrite(const Entry& raw, std::string_view attribute,
             set("pwdAccountLockedTime", {kLockedForever});
             set("pwdStartTime", {});
         } else {
-            set("pwdStartTime", stamp ? std::vector<std::string>{FormatStamp(when)}
-                                      : std::vector<std::string>{});
+            set("pwdStartTime",
+                stamp ? std::vector<std::string>{FormatStamp(when)} : std::vector<std::string>{});
             unlockForever();
         }
         keep("kvlxrDisableUntil");
@@ -263,7 +271,8 @@ Status MapServerWrite(const Entry& raw, std::string_view attribute,
             stamp ? std::vector<std::string>{FormatStamp(when)} : std::vector<std::string>{});
         keep("kvlxrDisableAfter");
     } else if (EqualsNoCase(attribute, "kvlxrImmediateChange")) {
-        set("pwdReset", value.empty() ? std::vector<std::string>{} : std::vector<std::string>{"TRUE"});
+        set("pwdReset",
+            value.empty() ? std::vector<std::string>{} : std::vector<std::string>{"TRUE"});
         keep("kvlxrImmediateChange");
     } else if (EqualsNoCase(attribute, "kvlxrFailureCount") ||
                EqualsNoCase(attribute, "kvlxrGraceLoginsUsed")) {
@@ -324,16 +333,16 @@ AccountState EvaluateServerAccount(const Entry& raw, const ServerPolicy& policy,
     if (policy.maxAge > 0 && at("pwdChangedTime", &when) && when + policy.maxAge < now) {
         long left = policy.graceLimit - static_cast<long>(raw.Values("pwdGraceUseTime").size());
         std::string expired = readable(when + policy.maxAge);
-        state.reasons.push_back(left > 0 ? Fill(reason::kExpiredGrace, expired, std::to_string(left))
-                                         : Fill(reason::kExpired, expired));
+        state.reasons.push_back(left > 0
+                                    ? Fill(reason::kExpiredGrace, expired, std::to_string(left))
+                                    : Fill(reason::kExpired, expired));
         state.redisable.insert("kvlxrlastpasswordchange");
         state.redisable.insert("kvlxrgraceloginsused");
     }
 
     // The idle limit counts from the last login, else from the last change.
     if (policy.maxIdle > 0 && policy.lockout &&
-        (at("pwdLastSuccess", &when) || at("pwdChangedTime", &when)) &&
-        when + policy.maxIdle < now)
+        (at("pwdLastSuccess", &when) || at("pwdChangedTime", &when)) && when + policy.maxIdle < now)
         state.reasons.push_back(Fill(reason::kIdle, readable(when)));
 
     if (policy.mustChange && True(raw, "pwdReset")) {

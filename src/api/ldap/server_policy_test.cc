@@ -58,8 +58,10 @@ TEST(ServerPolicyTest, TheServersStateIsShownInThePagesForms) {
         {"kvlxrLoginHistory", {"20260101000000Z SUCCESS 10.0.0.1 stored"}},
     });
     std::vector<Entry> log = {
-        Entry{"reqStart=2,cn=log", {{"reqStart", {"20261123190925.000001Z"}}, {"reqResult", {"49"}}}},
-        Entry{"reqStart=1,cn=log", {{"reqStart", {"20261123080000.000000Z"}}, {"reqResult", {"0"}}}},
+        Entry{"reqStart=2,cn=log",
+              {{"reqStart", {"20261123190925.000001Z"}}, {"reqResult", {"49"}}}},
+        Entry{"reqStart=1,cn=log",
+              {{"reqStart", {"20261123080000.000000Z"}}, {"reqResult", {"0"}}}},
     };
     ShowServerState(log, &e);
     struct Case {
@@ -81,8 +83,8 @@ TEST(ServerPolicyTest, TheServersStateIsShownInThePagesForms) {
 }
 
 TEST(ServerPolicyTest, PostedValuesBecomeTheServersAttributes) {
-    Entry failed = User({{"pwdFailureTime", {"20261123190822Z"}},
-                         {"pwdAccountLockedTime", {"20261123190822Z"}}});
+    Entry failed = User(
+        {{"pwdFailureTime", {"20261123190822Z"}}, {"pwdAccountLockedTime", {"20261123190822Z"}}});
     Entry forever = User({{"pwdAccountLockedTime", {kLockedForever}}});
     using Set = std::vector<EntryAttribute>;
     struct Case {
@@ -95,10 +97,12 @@ TEST(ServerPolicyTest, PostedValuesBecomeTheServersAttributes) {
          Set{{"pwdFailureTime", {}}, {"pwdAccountLockedTime", {}}}},
         {&forever, "kvlxrFailureCount", "0 20261124000000Z", Set{{"pwdFailureTime", {}}}},
         {&failed, "kvlxrDisableUntil", "FOREVER gone",
-         Set{{"pwdAccountLockedTime", {kLockedForever}}, {"pwdStartTime", {}},
+         Set{{"pwdAccountLockedTime", {kLockedForever}},
+             {"pwdStartTime", {}},
              {"kvlxrDisableUntil", {"FOREVER gone"}}}},
         {&forever, "kvlxrDisableUntil", "20300101000000Z back then",
-         Set{{"pwdStartTime", {"20300101000000Z"}}, {"pwdAccountLockedTime", {}},
+         Set{{"pwdStartTime", {"20300101000000Z"}},
+             {"pwdAccountLockedTime", {}},
              {"kvlxrDisableUntil", {"20300101000000Z back then"}}}},
         {&failed, "kvlxrDisableUntil", "",  // a failure lock is not the administrator's
          Set{{"pwdStartTime", {}}, {"kvlxrDisableUntil", {}}}},
@@ -127,8 +131,11 @@ TEST(ServerPolicyTest, PostedValuesBecomeTheServersAttributes) {
 
 TEST(ServerPolicyTest, ReasonsAreThoseTheServerActsOn) {
     Entry policyEntry{"cn=p,o=t",
-                      {{"pwdMaxFailure", {"3"}}, {"pwdLockout", {"TRUE"}}, {"pwdMaxAge", {"86400"}},
-                       {"pwdMaxIdle", {"864000"}}, {"pwdGraceAuthNLimit", {"2"}},
+                      {{"pwdMaxFailure", {"3"}},
+                       {"pwdLockout", {"TRUE"}},
+                       {"pwdMaxAge", {"86400"}},
+                       {"pwdMaxIdle", {"864000"}},
+                       {"pwdGraceAuthNLimit", {"2"}},
                        {"pwdMustChange", {"TRUE"}}}};
     ServerPolicy policy = ReadServerPolicy(&policyEntry, policyEntry.dn);
     ServerPolicy temporary = policy, noLockout = policy;
@@ -141,37 +148,55 @@ TEST(ServerPolicyTest, ReasonsAreThoseTheServerActsOn) {
         std::vector<EntryAttribute> attributes;
         std::vector<std::string> reasons;
     } cases[] = {
-        {"administrator's lock", &policy, {{"pwdAccountLockedTime", {kLockedForever}}},
+        {"administrator's lock",
+         &policy,
+         {{"pwdAccountLockedTime", {kLockedForever}}},
          {"Locked by an administrator"}},
-        {"failure lock", &policy,
+        {"failure lock",
+         &policy,
          {{"pwdAccountLockedTime", {"20261124110000Z"}},
           {"pwdFailureTime", {"20261124105900Z", "20261124105930Z", "20261124110000Z"}}},
          {"Locked after 3 failed logins"}},
-        {"temporary lock", &temporary,
+        {"temporary lock",
+         &temporary,
          {{"pwdAccountLockedTime", {"20261124113000Z"}}, {"pwdFailureTime", {"20261124113000Z"}}},
          {"Locked after 1 failed logins until 2026-11-24 12:30 UTC"}},
         {"temporary lock over", &temporary, {{"pwdAccountLockedTime", {"20261124100000Z"}}}, {}},
         {"lock without lockout", &noLockout, {{"pwdAccountLockedTime", {kLockedForever}}}, {}},
-        {"failures at the maximum, not locked", &policy,
-         {{"pwdFailureTime", {"20261124105900Z", "20261124105930Z", "20261124110000Z"}}}, {}},
+        {"failures at the maximum, not locked",
+         &policy,
+         {{"pwdFailureTime", {"20261124105900Z", "20261124105930Z", "20261124110000Z"}}},
+         {}},
         {"future lock", &policy, {{"pwdAccountLockedTime", {"20261125000000Z"}}}, {}},
-        {"not yet valid", &policy, {{"pwdStartTime", {"20261201000000Z"}}},
+        {"not yet valid",
+         &policy,
+         {{"pwdStartTime", {"20261201000000Z"}}},
          {"Not valid before 2026-12-01 00:00 UTC"}},
         {"start beyond the server's clock", &policy, {{"pwdStartTime", {"99991231235959Z"}}}, {}},
-        {"no longer valid", &policy, {{"pwdEndTime", {"20261101000000Z"}}},
+        {"no longer valid",
+         &policy,
+         {{"pwdEndTime", {"20261101000000Z"}}},
          {"No longer valid since 2026-11-01 00:00 UTC"}},
-        {"expired, grace left", &policy,
-         {{"pwdChangedTime", {"20261120000000Z"}}, {"pwdLastSuccess", {"20261123000000Z"}},
+        {"expired, grace left",
+         &policy,
+         {{"pwdChangedTime", {"20261120000000Z"}},
+          {"pwdLastSuccess", {"20261123000000Z"}},
           {"pwdGraceUseTime", {"20261123000000Z"}}},
          {"Password expired 2026-11-21 00:00 UTC; 1 grace logins left"}},
-        {"expired, no grace left", &policy,
-         {{"pwdChangedTime", {"20261120000000Z"}}, {"pwdLastSuccess", {"20261123000000Z"}},
+        {"expired, no grace left",
+         &policy,
+         {{"pwdChangedTime", {"20261120000000Z"}},
+          {"pwdLastSuccess", {"20261123000000Z"}},
           {"pwdGraceUseTime", {"20261123000000Z", "20261123000001Z"}}},
          {"Password expired 2026-11-21 00:00 UTC; no grace logins left"}},
         {"idle", &noLockout, {{"pwdLastSuccess", {"20261001000000Z"}}}, {}},
-        {"idle with lockout", &temporary, {{"pwdLastSuccess", {"20261001000000Z"}}},
+        {"idle with lockout",
+         &temporary,
+         {{"pwdLastSuccess", {"20261001000000Z"}}},
          {"Idle since 2026-10-01 00:00 UTC"}},
-        {"must change", &policy, {{"pwdReset", {"TRUE"}}},
+        {"must change",
+         &policy,
+         {{"pwdReset", {"TRUE"}}},
          {"Must change the password before anything else"}},
     };
     for (const Case& c : cases)
