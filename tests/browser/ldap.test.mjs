@@ -26,7 +26,7 @@ before(async () => {
   const source = process.env.LXR_SOURCE_DIR;
   execFileSync(process.env.LXR_LXRDIR, ['create', path.join(work, 'audit.db')]);
   const config = fs.readFileSync(path.join(source, 'examples/ldap/lxrapi.toml'), 'utf8')
-    .replace('ldap://127.0.0.1:3890', URL_)
+    .replaceAll('ldap://127.0.0.1:3890', URL_)
     .replace('"../../var/ldap.secret"', JSON.stringify(process.env.LXR_LDAP_PASSWORD_FILE))
     .replace('"../../var/ldap-audit.db"', JSON.stringify(path.join(work, 'audit.db')))
     .replace(/^auxiliary_class = .*$/m,
@@ -52,7 +52,9 @@ test('a user locked out by wrong passwords is unlocked on the page and can bind 
   const page = await newPage(context);
   await page.goto(`${server.url}/cgi-bin/LXRAdmin?USERDIR=staff&USER=rupert`);
   await page.waitForSelector('form[name="DisplayForm"]');
-  assert.match(await page.content(), /Locked after 5 failed logins/);
+  const shown = await page.$$eval('span.DISABLEDISPLAY', (s) => s.map((e) => e.textContent));
+  assert.deepEqual(shown.map((t) => t.replace(/\u00a0/g, ' ')),
+    ['Locked after 5 failed logins, Suspended by security']);
 
   await page.check('input[name="kvlxrFailureCount"] >> nth=1');  // Reset to Now
   const answered = page.waitForResponse((r) => r.request().method() === 'POST');

@@ -257,6 +257,11 @@ Status LdapConnection::Search(std::string_view base, const std::string& filter,
     LDAPMessage* raw = nullptr;
     int rc = l_->search_ext_s(ld_, std::string(base).c_str(), LDAP_SCOPE_SUBTREE, filter.c_str(),
                               names.data(), 0, nullptr, nullptr, nullptr, 0, &raw);
+    return Collect(rc, raw, base, entries);
+}
+
+Status LdapConnection::Collect(int rc, LDAPMessage* raw, std::string_view base,
+                               std::vector<Entry>* entries) {
     Result result(l_, raw);
     if (rc == LDAP_NO_SUCH_OBJECT) return Status::OK();
     if (rc != LDAP_SUCCESS && rc != LDAP_SIZELIMIT_EXCEEDED)
@@ -286,12 +291,8 @@ Status LdapConnection::SearchNewest(std::string_view base, const std::string& fi
     rc = l_->search_ext_s(ld_, std::string(base).c_str(), LDAP_SCOPE_ONELEVEL, filter.c_str(),
                           attributes, 0, controls, nullptr, nullptr, limit, &raw);
     l_->control_free(sort);
-    Result result(l_, raw);
-    if (rc == LDAP_NO_SUCH_OBJECT) return Status::OK();
-    if (rc != LDAP_SUCCESS && rc != LDAP_SIZELIMIT_EXCEEDED)
-        return Failure(rc, "cannot search below " + Quoted(base, 200), kUnreachable);
-    for (LDAPMessage* e = l_->first_entry(ld_, result.get()); e; e = l_->next_entry(ld_, e))
-        entries->push_back(ToEntry(l_, ld_, e));
+    Status s = Collect(rc, raw, base, entries);
+    if (!s.ok()) return s;
     // Generalized times of one form sort as text; a server that ignored the
     // (non-critical) control sent them oldest first.
     std::stable_sort(entries->begin(), entries->end(), [&](const Entry& a, const Entry& b) {

@@ -15,6 +15,7 @@
 #include "store.h"
 
 typedef struct ldap LDAP;
+typedef struct ldapmsg LDAPMessage;
 
 namespace lxrapi {
 
@@ -108,6 +109,9 @@ class LdapConnection {
     Status Failure(int rc, const std::string& what, int code) const;
 
   private:
+    // The entries of a search's result (which it frees), or its failure; a
+    // missing base gives none, a size limit those sent.
+    Status Collect(int rc, LDAPMessage* raw, std::string_view base, std::vector<Entry>* entries);
     Status Bind();
     Status ReadPassword(std::string* password) const;
     Status OpenFailure(const std::string& what, const std::string& why) const;

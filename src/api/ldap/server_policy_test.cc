@@ -41,7 +41,9 @@ TEST(ServerPolicyTest, ServerTimesInEveryFormTheServerKeeps) {
         std::time_t when = 0;
         bool ok = ParseGeneralizedTime(c.text, &when);
         EXPECT_EQ(ok, c.stamp != nullptr) << c.text;
-        if (ok && c.stamp) EXPECT_EQ(FormatStamp(when), c.stamp) << c.text;
+        if (ok && c.stamp) {
+            EXPECT_EQ(FormatStamp(when), c.stamp) << c.text;
+        }
     }
 }
 
