@@ -81,6 +81,9 @@ check "a reset with Forever kept is written" 0 \
 check "Forever survives the password reset" 49 "$(bind bob Fresh-pass7)"
 check "Not Set is written" 0 "$(write bob "$(attribute kvlxrDisableUntil '')")"
 check "the new password then binds" 0 "$(bind bob Fresh-pass7)"
+check "Forever set in the post of a reset is written" 0 \
+    "$(write judy "$(attribute userPassword Fresh-pass7)$(attribute kvlxrDisableUntil 'FOREVER x')")"
+check "and holds after it" 49 "$(bind judy Fresh-pass7)"
 
 # Start and end dates.
 check "a future disable-until date is written" 0 "$(write carol "$(attribute kvlxrDisableUntil 20991231000000Z)")"
