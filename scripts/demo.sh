@@ -6,7 +6,15 @@
 # LXRAdmin as a CGI and prints the address to open.
 #
 #   bash scripts/demo.sh [--reset] [--port N] [--background]
+#   bash scripts/demo.sh --ldap [--port N]
 #   bash scripts/demo.sh stop          (ends a --background server, by its PID)
+#
+# --ldap keeps the demo directory in a private slapd instead (127.0.0.1, a
+# free port, in a temporary folder, stopped by its PID when the demo ends)
+# whose password policy holds the users' state (docs/ldap.md): rupert is
+# locked out by five real wrong passwords, alice has one failed and one good
+# bind. It runs in the foreground and at the real time, which the server
+# judges by.
 #
 # In the foreground, Ctrl-C stops the server. The server plays the web
 # agent's part for a fixed administrator, the helpdesk lead
@@ -19,22 +27,64 @@ cd "$(dirname "$0")/.."
 ROOT=$PWD
 RUN=$ROOT/var/demo-server
 
-RESET=0 PORT=${LXR_DEMO_PORT:-} BACKGROUND=0
+RESET=0 PORT=${LXR_DEMO_PORT:-} BACKGROUND=0 LDAP=0 SERVE=0
 while [ $# -gt 0 ]; do
   case $1 in
     --reset) RESET=1; shift ;;
     --port) PORT=$2; shift 2 ;;
     --background) BACKGROUND=1; shift ;;
+    --ldap) LDAP=1; shift ;;
+    --ldap-serve) SERVE=1; shift ;;  # inside tests/ldap/run.sh, which started slapd
     stop) exec bash web/lighttpd.sh stop --run "$RUN" ;;
-    *) echo "usage: bash scripts/demo.sh [--reset] [--port N] [--background] | stop" >&2; exit 2 ;;
+    *) echo "usage: bash scripts/demo.sh [--reset] [--port N] [--background] | --ldap [--port N] | stop" >&2; exit 2 ;;
   esac
 done
 
-bash scripts/deps.sh
 BUILD_DIR=${LXR_BUILD_DIR:-build}
-bash scripts/build.sh
 LXRDIR="$BUILD_DIR/src/api/lxrdir"
 EXE="$ROOT/$BUILD_DIR/src/driver/LXRAdmin"
+
+# The LDAP demo's second half, with slapd running: the API's configuration
+# for it, the users' state made by real binds, then the pages.
+if [ "$SERVE" = 1 ]; then
+  : "${LXR_LDAP_URL:?}" "${LXR_LDAP_WORK:?}"
+  unset LXR_NOW  # the server judges by its own clock
+  work=$LXR_LDAP_WORK
+  "$LXRDIR" create "$work/audit.db" >/dev/null
+  sed -e "s|ldap://127.0.0.1:3890|$LXR_LDAP_URL|" \
+      -e "s|\"../../var/ldap.secret\"|\"$LXR_LDAP_PASSWORD_FILE\"|" \
+      -e "s|\"../../var/ldap-audit.db\"|\"$work/audit.db\"|" \
+      -e 's|^auxiliary_class = .*|&\npolicy = "ppolicy"\ndefault_policy = "cn=default,ou=policies,o=example"|' \
+      examples/ldap/lxrapi.toml >"$work/lxrapi.toml"
+  who() { ldapwhoami -x -H "$LXR_LDAP_URL" -D "uid=$1,ou=staff,o=example" -w "$2" >/dev/null 2>&1 || true; }
+  for _ in 1 2 3 4 5; do who rupert wrong-password; done
+  who alice wrong-password
+  who alice Demo-pass1
+  run=$work/web
+  ARGS=(--run "$run" --cgi "$EXE" --agent web/lighttpd/demo-agent.conf
+    --env "LXRAPI_CONFIG=$work/lxrapi.toml")
+  [ -n "$PORT" ] && ARGS+=(--port "$PORT")
+  cat <<INFO
+demo: the directory is in slapd at $LXR_LDAP_URL, with its password policy.
+      rupert is locked out by five wrong passwords; every password is Demo-pass1.
+      Try a wrong one, then look at alice's Failure Count on her page:
+        ldapwhoami -x -H $LXR_LDAP_URL -D uid=alice,ou=staff,o=example -w wrong
+      rupert cannot bind until "Reset to Now" is saved on his page:
+        ldapwhoami -x -H $LXR_LDAP_URL -D uid=rupert,ou=staff,o=example -w Demo-pass1
+demo: Ctrl-C stops the pages and slapd; open the address below
+INFO
+  exec bash web/lighttpd.sh start "${ARGS[@]}" --foreground
+fi
+
+bash scripts/deps.sh
+bash scripts/build.sh
+
+if [ "$LDAP" = 1 ]; then
+  SERVE_ARGS=(--ldap-serve)
+  [ -n "$PORT" ] && SERVE_ARGS+=(--port "$PORT")
+  exec bash tests/ldap/run.sh --source "$ROOT" --ppolicy -- \
+    env LXR_BUILD_DIR="$BUILD_DIR" bash scripts/demo.sh "${SERVE_ARGS[@]}"
+fi
 
 mkdir -p var
 if [ "$RESET" = 1 ]; then

@@ -99,6 +99,10 @@ AccountState EvaluateAccount(const Entry& user, const Policy& policy,
         }
     }
 
+    return WithGroupReasons(std::move(state), groups);
+}
+
+AccountState WithGroupReasons(AccountState state, const std::vector<GroupMembership>& groups) {
     for (const GroupMembership& g : groups)
         if (g.member && !g.group->reason.empty())
             state.reasons.push_back(Words(Say::AsConfigured, g.group->reason));

@@ -32,4 +32,7 @@ struct AccountState {
 AccountState EvaluateAccount(const Entry& user, const Policy& policy,
                              const std::vector<GroupMembership>& groups, std::time_t now);
 
+// `state` with the reasons of the disabling groups the user is a member of.
+AccountState WithGroupReasons(AccountState state, const std::vector<GroupMembership>& groups);
+
 }  // namespace lxrapi

@@ -334,9 +334,10 @@ bool ReadLdap(Reader& r, const toml::table& t, int index, Config* config) {
                       where +
                           ": a password is not written here; name a file with "
                           "'password_file' or an environment variable with 'password_env'");
-    if (!r.OnlyKeys(t, where.c_str(),
-                    {"url", "bind_dn", "password_file", "password_env", "tls", "ca_file",
-                     "tls_verify", "timeout_ms", "audit", "auxiliary_class"}) ||
+    if (!r.OnlyKeys(
+            t, where.c_str(),
+            {"url", "bind_dn", "password_file", "password_env", "tls", "ca_file", "tls_verify",
+             "timeout_ms", "audit", "auxiliary_class", "policy", "default_policy", "access_log"}) ||
         !r.String(t, "url", where.c_str(), true, &l.url))
         return false;
     if (!IsLdapUrl(l.url) || l.url.find_first_of(" \t") != std::string::npos)
@@ -345,7 +346,7 @@ bool ReadLdap(Reader& r, const toml::table& t, int index, Config* config) {
     if (config->FindLdap(l.url))
         return r.Fail(l.line, where + ": the url " + Quoted(l.url) + " is declared twice");
     where = "ldap " + Quoted(l.url);
-    std::string tls = "none";
+    std::string tls = "none", policy;
     if (!r.String(t, "bind_dn", where.c_str(), false, &l.bindDn) ||
         !r.String(t, "password_file", where.c_str(), false, &l.passwordFile) ||
         !r.String(t, "password_env", where.c_str(), false, &l.passwordEnv) ||
@@ -354,8 +355,20 @@ bool ReadLdap(Reader& r, const toml::table& t, int index, Config* config) {
         !r.Bool(t, "tls_verify", where.c_str(), &l.verifyCertificate) ||
         !r.Int(t, "timeout_ms", where.c_str(), 100, 600000, &l.timeoutMs) ||
         !r.String(t, "audit", where.c_str(), true, &l.audit) ||
-        !r.String(t, "auxiliary_class", where.c_str(), false, &l.auxiliaryClass))
+        !r.String(t, "auxiliary_class", where.c_str(), false, &l.auxiliaryClass) ||
+        !r.String(t, "policy", where.c_str(), false, &policy) ||
+        !r.String(t, "default_policy", where.c_str(), false, &l.defaultPolicy) ||
+        !r.String(t, "access_log", where.c_str(), false, &l.accessLog))
         return false;
+    if (policy != "" && policy != "ppolicy")
+        return r.Fail(l.line, where + ": 'policy' must be 'ppolicy' or left out");
+    l.serverPolicy = policy == "ppolicy";
+    if (l.serverPolicy && l.defaultPolicy.find('=') == std::string::npos)
+        return r.Fail(l.line, where + ": policy 'ppolicy' needs 'default_policy', the DN of the " +
+                                  "server's default policy entry");
+    if (!l.serverPolicy && (t.get("default_policy") || t.get("access_log")))
+        return r.Fail(l.line,
+                      where + ": 'default_policy' and 'access_log' need policy = 'ppolicy'");
     if (!l.bindDn.empty() && l.bindDn.find('=') == std::string::npos)
         return r.Fail(l.line, where + ": 'bind_dn' is not a distinguished name");
     if (!l.passwordFile.empty() && !l.passwordEnv.empty())

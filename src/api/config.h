@@ -68,6 +68,13 @@ struct LdapConfig {
     int timeoutMs = 5000;           // connect and per-operation limit
     std::string audit;              // absolute path of the audit store (an lxrdir file)
     std::string auxiliaryClass = "kvlxrAccount";  // added to entries that gain our attributes
+    // policy = "ppolicy": the server's password policy overlay holds the
+    // lockout, start and end dates, forced change, grace logins and last
+    // login; Read and Write map those fields onto its attributes, so that
+    // what the page changes is what the server enforces at the next bind.
+    bool serverPolicy = false;
+    std::string defaultPolicy;  // the overlay's default policy entry (users without their own)
+    std::string accessLog = "cn=accesslog";  // the access log database's suffix; "": no history
     int line = 0;
 };
 

@@ -19,6 +19,8 @@ struct FoundUser {
     const DirectoryConfig* directory = nullptr;
     Entry entry;
     std::vector<bool> member;  // per configured group of the directory
+    bool enforced = false;     // the server's own state gives the reasons
+    AccountState serverState;
 };
 
 Status LoadMemberships(StoreReader& r, const DirectoryConfig& d, FoundUser* found) {
@@ -58,8 +60,10 @@ Status SearchDirectory(StoreProvider& stores, const DirectoryConfig& d, std::str
                 found->entry = std::move(e);
             }
         }
-        if (*matches == 1 && before == 0) return LoadMemberships(r, d, found);
-        return Status::OK();
+        if (*matches != 1 || before != 0) return Status::OK();
+        if (!(st = r.ServerAccountState(found->entry, &found->serverState, &found->enforced)).ok())
+            return st;
+        return LoadMemberships(r, d, found);
     });
 }
 
@@ -102,7 +106,9 @@ UserView BuildView(const Config& config, const Role& role, const FoundUser& foun
     std::vector<GroupMembership> memberships;
     for (size_t i = 0; i < d.groups.size(); ++i)
         memberships.push_back({&d.groups[i], found.member[i]});
-    AccountState state = EvaluateAccount(found.entry, config.policy, memberships, Now());
+    AccountState state = found.enforced
+                             ? WithGroupReasons(found.serverState, memberships)
+                             : EvaluateAccount(found.entry, config.policy, memberships, Now());
 
     UserView view;
     view.dn = found.entry.dn;
@@ -312,6 +318,10 @@ Status PreparePassword(const Config& config, Store& store, const UpdateDocument&
     for (const std::string& n : plan->directory->naming)
         for (const std::string& v : user.Values(n)) names.push_back(v);
     if (!(s = CheckPassword(config.policy.password, password, names)).ok()) return s;
+    if (store.SetsPasswords()) {
+        plan->passwordHash = password;
+        return Status::OK();
+    }
     return HashPassword(config.policy.password, password, &plan->passwordHash);
 }
 

@@ -15,6 +15,8 @@
 
 namespace lxrapi {
 
+struct AccountState;
+
 struct EntryAttribute {
     std::string name;                 // as stored (case kept)
     std::vector<std::string> values;  // in stored order, never empty
@@ -66,6 +68,14 @@ class StoreReader {
     virtual Status ListDns(std::vector<std::string>* dns) = 0;
     // The audit records, oldest first; with a non-empty `user`, only that user's.
     virtual Status ListAudit(std::string_view user, std::vector<AuditRecord>* records) = 0;
+    // Why `user` (as Get gave it) cannot log in, when the store's server
+    // decides that itself at every bind; `enforced` false when the API judges
+    // the stored values instead (EvaluateAccount).
+    virtual Status ServerAccountState(const Entry& /*user*/, AccountState* /*state*/,
+                                      bool* enforced) {
+        *enforced = false;
+        return Status::OK();
+    }
 };
 
 class StoreWriter : public StoreReader {
@@ -91,6 +101,9 @@ class Store {
     virtual Status Write(const std::function<Status(StoreWriter&)>& body) = 0;
     // The name used in messages (the file path).
     virtual const std::string& name() const = 0;
+    // True when the store's server checks and hashes new passwords itself:
+    // Replace of userPassword then carries the password in clear.
+    virtual bool SetsPasswords() const { return false; }
 };
 
 // Finds the store of `path` for this process (opening it once, lazily).

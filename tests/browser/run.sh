@@ -1,16 +1,16 @@
 #!/usr/bin/env bash
-# Runs one suite of the web tests (headers | apache | pages | languages | attacks)
+# Runs one suite of the web tests (headers | apache | pages | languages | attacks | ldap)
 # with node's test runner. CTest calls it with LXR_EXE, LXR_LXRDIR, LXR_PROBE,
 # LXR_SOURCE_DIR and LXR_ARTIFACTS set (tests/browser/CMakeLists.txt); by hand:
 #   LXR_BUILD_DIR=build bash tests/browser/run.sh pages
 # Exit 77 (CTest: skipped) when the suite's browser or server is not there.
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
-suite=${1:?usage: run.sh headers|apache|pages|languages|attacks}
+suite=${1:?usage: run.sh headers|apache|pages|languages|attacks|ldap}
 
 skip() { echo "SKIP: $* (install with: LXR_WITH_BROWSER=1 bash scripts/deps.sh)"; exit 77; }
 case $suite in
-  pages|languages|attacks) [ -x "${LXR_CHROMIUM:-/usr/bin/chromium}" ] || skip "Chromium is not installed" ;;
+  pages|languages|attacks|ldap) [ -x "${LXR_CHROMIUM:-/usr/bin/chromium}" ] || skip "Chromium is not installed" ;;
   apache) command -v apache2 >/dev/null || [ -x /usr/sbin/apache2 ] || skip "apache2 is not installed" ;;
   headers) ;;
   *) echo "unknown suite: $suite" >&2; exit 2 ;;

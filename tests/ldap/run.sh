@@ -4,7 +4,11 @@
 # it, runs one command against it and stops the server by its PID, whatever
 # happens to the command.
 #
-#   run.sh --source DIR -- COMMAND [ARGUMENTS...]
+#   run.sh --source DIR [--ppolicy] -- COMMAND [ARGUMENTS...]
+#
+# With --ppolicy the server keeps the password-services state with its
+# password policy overlay, last-bind times and an access log of binds
+# (examples/ldap/slapd-config-ppolicy.ldif, policies.ldif).
 #
 # The command finds the server through the environment:
 #   LXR_LDAP_URL            ldap://127.0.0.1:PORT
@@ -18,10 +22,11 @@
 # when the server cannot be started or loaded.
 set -u
 
-source_dir=''
+source_dir='' ppolicy=0
 while [ $# -gt 0 ]; do
     case "$1" in
         --source) source_dir=$2; shift 2 ;;
+        --ppolicy) ppolicy=1; shift ;;
         --) shift; break ;;
         *) echo "run.sh: unknown option $1" >&2; exit 2 ;;
     esac
@@ -67,11 +72,13 @@ printf '%s\n' "$(random_text)" >"$work/service.pw"
 chmod 600 "$work/root.pw" "$work/service.pw"
 
 # The server's configuration from the example, with this run's folders.
-mkdir -p "$work/slapd.d" "$work/data" "$work/run"
+mkdir -p "$work/slapd.d" "$work/data" "$work/run" "$work/log"
+template=$source_dir/examples/ldap/slapd-config.ldif
+[ "$ppolicy" = 1 ] && template=$source_dir/examples/ldap/slapd-config-ppolicy.ldif
 root_hash=$(slappasswd -h '{SSHA}' -T "$work/root.pw") || fail "slappasswd failed"
-sed -e "s|@RUN@|$work/run|g" -e "s|@DATA@|$work/data|g" \
+sed -e "s|@RUN@|$work/run|g" -e "s|@DATA@|$work/data|g" -e "s|@LOG@|$work/log|g" \
     -e "s|@SCHEMA@|$source_dir/examples/ldap/kvlxr.ldif|g" -e "s|@ROOTPW@|$root_hash|g" \
-    "$source_dir/examples/ldap/slapd-config.ldif" >"$work/config.ldif"
+    "$template" >"$work/config.ldif"
 # StartTLS, when openssl can make the server a certificate (for 127.0.0.1,
 # its own CA).
 tls_ca=''
@@ -117,7 +124,9 @@ awk 'BEGIN { RS = ""; ORS = "\n\n" }
 service_hash=$(slappasswd -h '{SSHA}' -s "$(head -n 1 "$work/service.pw")") || fail "slappasswd failed"
 sed -e "s|@SERVICE_PASSWORD@|$service_hash|" "$source_dir/examples/ldap/service-account.ldif" \
     >"$work/service.ldif"
-for ldif in "$work/demo.ldif" "$work/service.ldif"; do
+ldifs=("$work/demo.ldif" "$work/service.ldif")
+[ "$ppolicy" = 1 ] && ldifs+=("$source_dir/examples/ldap/policies.ldif")
+for ldif in "${ldifs[@]}"; do
     ldapadd -x -H "$url" -D "cn=admin,o=example" -y "$work/root.pw" -f "$ldif" \
         >"$work/ldapadd.log" 2>&1 || { cat "$work/ldapadd.log" >&2; fail "ldapadd of $ldif failed"; }
 done

@@ -2,6 +2,7 @@
 
 #include <pthread.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -71,6 +72,35 @@ berval Berval(const std::string& s) {
     b.bv_val = const_cast<char*>(s.data());
     return b;
 }
+
+// The modifications as the null-ended array of pointers libldap wants; the
+// object owns the arrays for the call.
+class ModList {
+  public:
+    explicit ModList(const std::vector<Modification>& modifications)
+        : values_(modifications.size()),
+          pointers_(modifications.size()),
+          mods_(modifications.size()) {
+        for (size_t i = 0; i < modifications.size(); ++i) {
+            const Modification& m = modifications[i];
+            for (const std::string& v : m.values) values_[i].push_back(Berval(v));
+            for (berval& b : values_[i]) pointers_[i].push_back(&b);
+            pointers_[i].push_back(nullptr);
+            mods_[i].mod_op = m.op | LDAP_MOD_BVALUES;
+            mods_[i].mod_type = const_cast<char*>(m.attribute.c_str());
+            mods_[i].mod_bvalues = m.values.empty() ? nullptr : pointers_[i].data();
+            list_.push_back(&mods_[i]);
+        }
+        list_.push_back(nullptr);
+    }
+    LDAPMod** get() { return list_.data(); }
+
+  private:
+    std::vector<std::vector<berval>> values_;
+    std::vector<std::vector<berval*>> pointers_;
+    std::vector<LDAPMod> mods_;
+    std::vector<LDAPMod*> list_;
+};
 
 // One entry of a search result with its DN and every attribute returned.
 Entry ToEntry(const LdapLibrary* l_, LDAP* ld, LDAPMessage* message) {
@@ -195,13 +225,16 @@ Status LdapConnection::Bind() {
     return Failure(rc, "refused the bind " + who, kUnreachable);
 }
 
-Status LdapConnection::Get(std::string_view dn, Entry* entry, bool* found) {
+Status LdapConnection::Get(std::string_view dn, Entry* entry, bool* found,
+                           const std::vector<std::string>& operational) {
     *found = false;
     LDAPMessage* raw = nullptr;
     char all[] = "*";
-    char* attributes[] = {all, nullptr};
+    std::vector<char*> attributes = {all};
+    for (const std::string& a : operational) attributes.push_back(const_cast<char*>(a.c_str()));
+    attributes.push_back(nullptr);
     int rc = l_->search_ext_s(ld_, std::string(dn).c_str(), LDAP_SCOPE_BASE, "(objectClass=*)",
-                              attributes, 0, nullptr, nullptr, nullptr, 0, &raw);
+                              attributes.data(), 0, nullptr, nullptr, nullptr, 0, &raw);
     Result result(l_, raw);
     if (rc == LDAP_NO_SUCH_OBJECT || rc == LDAP_INVALID_DN_SYNTAX) return Status::OK();
     if (rc != LDAP_SUCCESS) return Failure(rc, "cannot read " + Quoted(dn, 200), kUnreachable);
@@ -224,12 +257,47 @@ Status LdapConnection::Search(std::string_view base, const std::string& filter,
     LDAPMessage* raw = nullptr;
     int rc = l_->search_ext_s(ld_, std::string(base).c_str(), LDAP_SCOPE_SUBTREE, filter.c_str(),
                               names.data(), 0, nullptr, nullptr, nullptr, 0, &raw);
+    return Collect(rc, raw, base, entries);
+}
+
+Status LdapConnection::Collect(int rc, LDAPMessage* raw, std::string_view base,
+                               std::vector<Entry>* entries) {
     Result result(l_, raw);
     if (rc == LDAP_NO_SUCH_OBJECT) return Status::OK();
     if (rc != LDAP_SUCCESS && rc != LDAP_SIZELIMIT_EXCEEDED)
         return Failure(rc, "cannot search below " + Quoted(base, 200), kUnreachable);
     for (LDAPMessage* e = l_->first_entry(ld_, result.get()); e; e = l_->next_entry(ld_, e))
         entries->push_back(ToEntry(l_, ld_, e));
+    return Status::OK();
+}
+
+Status LdapConnection::SearchNewest(std::string_view base, const std::string& filter,
+                                    const std::string& newest, int limit,
+                                    std::vector<Entry>* entries) {
+    entries->clear();
+    LDAPSortKey** keys = nullptr;
+    std::string key = "-" + newest;
+    if (l_->create_sort_keylist(&keys, const_cast<char*>(key.c_str())) != LDAP_SUCCESS)
+        return Failure(LDAP_NO_MEMORY, "cannot search below " + Quoted(base, 200), kUnreachable);
+    LDAPControl* sort = nullptr;
+    int rc = l_->create_sort_control(ld_, keys, 0, &sort);
+    l_->free_sort_keylist(keys);
+    if (rc != LDAP_SUCCESS)
+        return Failure(rc, "cannot search below " + Quoted(base, 200), kUnreachable);
+    LDAPControl* controls[] = {sort, nullptr};
+    LDAPMessage* raw = nullptr;
+    char all[] = "*";
+    char* attributes[] = {all, nullptr};
+    rc = l_->search_ext_s(ld_, std::string(base).c_str(), LDAP_SCOPE_ONELEVEL, filter.c_str(),
+                          attributes, 0, controls, nullptr, nullptr, limit, &raw);
+    l_->control_free(sort);
+    Status s = Collect(rc, raw, base, entries);
+    if (!s.ok()) return s;
+    // Generalized times of one form sort as text; a server that ignored the
+    // (non-critical) control sent them oldest first.
+    std::stable_sort(entries->begin(), entries->end(), [&](const Entry& a, const Entry& b) {
+        return a.First(newest) > b.First(newest);
+    });
     return Status::OK();
 }
 
@@ -248,34 +316,44 @@ Status LdapConnection::NamingContexts(std::vector<std::string>* contexts) {
 }
 
 int LdapConnection::Modify(std::string_view dn, const std::vector<Modification>& modifications,
-                           const std::string& assertion) {
-    // libldap wants arrays of pointers; these vectors own them for the call.
-    std::vector<std::vector<berval>> values(modifications.size());
-    std::vector<std::vector<berval*>> pointers(modifications.size());
-    std::vector<LDAPMod> mods(modifications.size());
-    std::vector<LDAPMod*> list;
-    for (size_t i = 0; i < modifications.size(); ++i) {
-        const Modification& m = modifications[i];
-        for (const std::string& v : m.values) values[i].push_back(Berval(v));
-        for (berval& b : values[i]) pointers[i].push_back(&b);
-        pointers[i].push_back(nullptr);
-        mods[i].mod_op = m.op | LDAP_MOD_BVALUES;
-        mods[i].mod_type = const_cast<char*>(m.attribute.c_str());
-        mods[i].mod_bvalues = m.values.empty() ? nullptr : pointers[i].data();
-        list.push_back(&mods[i]);
-    }
-    list.push_back(nullptr);
+                           const std::string& assertion, bool relax) {
+    ModList list(modifications);
     LDAPControl* control = nullptr;
     if (!assertion.empty()) {
         int rc =
             l_->create_assertion_control(ld_, const_cast<char*>(assertion.c_str()), 0, &control);
         if (rc != LDAP_SUCCESS) return rc;
     }
-    LDAPControl* controls[] = {control, nullptr};
-    int rc = l_->modify_ext_s(ld_, std::string(dn).c_str(), list.data(),
-                              control ? controls : nullptr, nullptr);
+    char relaxOid[] = LDAP_CONTROL_RELAX;
+    LDAPControl relaxControl{relaxOid, {0, nullptr}, 1};
+    std::vector<LDAPControl*> controls;
+    if (control) controls.push_back(control);
+    if (relax) controls.push_back(&relaxControl);
+    controls.push_back(nullptr);
+    int rc = l_->modify_ext_s(ld_, std::string(dn).c_str(), list.get(),
+                              controls.size() > 1 ? controls.data() : nullptr, nullptr);
     if (control) l_->control_free(control);
     return rc;
+}
+
+int LdapConnection::ChangePassword(std::string_view dn, const std::string& password) {
+    std::string user(dn);
+    berval who = Berval(user), secret = Berval(password), generated{0, nullptr};
+    int rc = l_->passwd_s(ld_, &who, nullptr, &secret, &generated, nullptr, nullptr);
+    if (generated.bv_val) l_->ber_memfree(generated.bv_val);
+    return rc;
+}
+
+int LdapConnection::Add(const Entry& entry) {
+    std::vector<Modification> attributes;
+    for (const EntryAttribute& a : entry.attributes)
+        attributes.push_back({LDAP_MOD_ADD, a.name, a.values});
+    ModList list(attributes);
+    return l_->add_ext_s(ld_, entry.dn.c_str(), list.get(), nullptr, nullptr);
+}
+
+int LdapConnection::Delete(std::string_view dn) {
+    return l_->delete_ext_s(ld_, std::string(dn).c_str(), nullptr, nullptr);
 }
 
 }  // namespace lxrapi

@@ -15,6 +15,7 @@
 #include "store.h"
 
 typedef struct ldap LDAP;
+typedef struct ldapmsg LDAPMessage;
 
 namespace lxrapi {
 
@@ -61,15 +62,24 @@ class LdapConnection {
     // changed password takes effect at the next call, and is wiped after use.
     Status Open();
 
-    // Base search for one entry with all its user attributes; an entry that
-    // does not exist (or a DN the server cannot parse) is not an error.
-    Status Get(std::string_view dn, Entry* entry, bool* found);
+    // Base search for one entry with all its user attributes (and the
+    // `operational` ones named); an entry that does not exist (or a DN the
+    // server cannot parse) is not an error.
+    Status Get(std::string_view dn, Entry* entry, bool* found,
+               const std::vector<std::string>& operational = {});
 
     // Subtree search below `base` with `filter`. `attributes` empty: no
     // attributes ("1.1"), only DNs. A base that does not exist gives no
     // entries; a result cut by the server's size limit gives those it sent.
     Status Search(std::string_view base, const std::string& filter,
                   const std::vector<std::string>& attributes, std::vector<Entry>* entries);
+
+    // The newest `limit` children of `base` matching `filter` by the time
+    // attribute `newest` (a generalized time), newest first. The server sorts
+    // when it offers sorting (RFC 2891); otherwise the entries it sent are
+    // sorted here.
+    Status SearchNewest(std::string_view base, const std::string& filter, const std::string& newest,
+                        int limit, std::vector<Entry>* entries);
 
     // The naming contexts the server holds (from its root DSE).
     Status NamingContexts(std::vector<std::string>* contexts);
@@ -78,8 +88,20 @@ class LdapConnection {
     // condition that the entry matches `assertion` when that is not empty
     // (RFC 4528; a server without the control ignores it); returns the LDAP
     // result code (LDAP_SUCCESS, LDAP_NO_SUCH_ATTRIBUTE, ...).
+    // With `relax` the Relax Rules control goes with it, which the password
+    // policy overlay wants before an administrator may set the values it
+    // otherwise keeps itself (failure and grace times, change time).
     int Modify(std::string_view dn, const std::vector<Modification>& modifications,
-               const std::string& assertion = std::string());
+               const std::string& assertion = std::string(), bool relax = false);
+
+    // Sets a user's password through the password modify operation (RFC
+    // 3062), so that the server applies its own quality and history checks
+    // and its policy's bookkeeping; returns the LDAP result code.
+    int ChangePassword(std::string_view dn, const std::string& password);
+
+    // Adds an entry; deletes one. Return the LDAP result code.
+    int Add(const Entry& entry);
+    int Delete(std::string_view dn);
 
     // A Status for a failed operation: "LDAP directory URL WHAT: REASON"
     // with the server's diagnostic, kUnreachable when the server is gone or
@@ -87,6 +109,9 @@ class LdapConnection {
     Status Failure(int rc, const std::string& what, int code) const;
 
   private:
+    // The entries of a search's result (which it frees), or its failure; a
+    // missing base gives none, a size limit those sent.
+    Status Collect(int rc, LDAPMessage* raw, std::string_view base, std::vector<Entry>* entries);
     Status Bind();
     Status ReadPassword(std::string* password) const;
     Status OpenFailure(const std::string& what, const std::string& why) const;

@@ -48,6 +48,12 @@ bool Load(LdapLibrary* l, std::string* error) {
     LXR_FIND(bv2escaped_filter_value, ldap_bv2escaped_filter_value);
     LXR_FIND(create_assertion_control, ldap_create_assertion_control);
     LXR_FIND(control_free, ldap_control_free);
+    LXR_FIND(passwd_s, ldap_passwd_s);
+    LXR_FIND(add_ext_s, ldap_add_ext_s);
+    LXR_FIND(delete_ext_s, ldap_delete_ext_s);
+    LXR_FIND(create_sort_keylist, ldap_create_sort_keylist);
+    LXR_FIND(free_sort_keylist, ldap_free_sort_keylist);
+    LXR_FIND(create_sort_control, ldap_create_sort_control);
     LXR_FIND(ber_free, ber_free);
     LXR_FIND(ber_memfree, ber_memfree);
 #undef LXR_FIND

@@ -36,6 +36,12 @@ struct LdapLibrary {
     decltype(&::ldap_bv2escaped_filter_value) bv2escaped_filter_value;
     decltype(&::ldap_create_assertion_control) create_assertion_control;
     decltype(&::ldap_control_free) control_free;
+    decltype(&::ldap_passwd_s) passwd_s;
+    decltype(&::ldap_add_ext_s) add_ext_s;
+    decltype(&::ldap_delete_ext_s) delete_ext_s;
+    decltype(&::ldap_create_sort_keylist) create_sort_keylist;
+    decltype(&::ldap_free_sort_keylist) free_sort_keylist;
+    decltype(&::ldap_create_sort_control) create_sort_control;
     decltype(&::ber_free) ber_free;
     decltype(&::ber_memfree) ber_memfree;
 };

@@ -5,8 +5,10 @@
 
 #include <random>
 
+#include "clock.h"
 #include "ldap/ldap_connection.h"
 #include "ldap/ldap_text.h"
+#include "ldap/server_policy.h"
 #include "message.h"
 #include "text.h"
 
@@ -15,18 +17,33 @@ namespace lxrapi {
 namespace {
 
 // An entry as the transaction read it and as the body has changed it.
+// Under the server's password policy, `original` and `current` hold the
+// server's own attributes; Get shows them as the fields the pages know.
 struct Cached {
     bool exists = false;
     Entry original;
     Entry current;
     std::vector<std::string> touched;  // attributes the body replaced, in order
+    std::vector<std::string> forced;   // written even when unchanged (after a password change)
+    std::string password;              // a new password for the password operation
+    bool clearHistory = false;         // delete the user's access log records
+    bool historyRead = false;
+    std::vector<Entry> history;  // the user's access log records, newest first
 };
 
 // A modification made on the server and how to take it back.
 struct Applied {
     std::string dn;
     std::vector<Modification> undo;
+    bool relax = false;
+    std::vector<Entry> deleted;  // access log records to add again
 };
+
+bool IsServerAttribute(std::string_view name) {
+    for (const std::string& a : ServerPolicyAttributes())
+        if (EqualsNoCase(a, name)) return true;
+    return EqualsNoCase(name, "userPassword");
+}
 
 // The server's answers when a value the write relied on changed meanwhile.
 bool IsConflict(int rc) {
@@ -46,7 +63,25 @@ class LdapTransaction : public StoreWriter {
         Status s = Fetch(dn, &c);
         if (!s.ok()) return s;
         *found = c->exists;
-        if (c->exists) *entry = c->current;
+        if (!c->exists) return Status::OK();
+        *entry = c->current;
+        if (!serverPolicy()) return Status::OK();
+        if (!(s = ReadHistory(c)).ok()) return s;
+        ShowServerState(c->history, entry);
+        return Status::OK();
+    }
+
+    Status ServerAccountState(const Entry& user, AccountState* state, bool* enforced) override {
+        *enforced = serverPolicy();
+        if (!*enforced) return Status::OK();
+        std::string dn = user.First("pwdPolicySubentry");
+        if (dn.empty()) dn = store_.config().defaultPolicy;
+        Entry policy;
+        bool found = false;
+        Status s = ldap_.Get(dn, &policy, &found);
+        if (!s.ok()) return s;
+        *state =
+            EvaluateServerAccount(user, ReadServerPolicy(found ? &policy : nullptr, dn), Now());
         return Status::OK();
     }
 
@@ -59,7 +94,10 @@ class LdapTransaction : public StoreWriter {
             return Status::Unreachable("LDAP directory " + Shown(store_.name()) + ": " +
                                        s.message());
         std::vector<Entry> entries;
-        if (!(s = ldap_.Search(base, filter, {"*"}, &entries)).ok()) return s;
+        std::vector<std::string> wanted = {"*"};
+        if (serverPolicy())
+            for (const std::string& a : ServerPolicyAttributes()) wanted.push_back(a);
+        if (!(s = ldap_.Search(base, filter, wanted, &entries)).ok()) return s;
         for (Entry& e : entries) {
             if (!IsBelow(e.dn, base)) continue;
             std::string key = DnKey(e.dn);
@@ -131,11 +169,21 @@ class LdapTransaction : public StoreWriter {
         Status s = Fetch(dn, &c);
         if (!s.ok()) return s;
         if (!c->exists) return Status::UpdateFailed("No entry " + Quoted(dn, 200));
-        c->current.Set(attribute, Distinct(values));
-        bool seen = false;
-        for (const std::string& t : c->touched) seen = seen || EqualsNoCase(t, attribute);
-        if (!seen) c->touched.emplace_back(attribute);
-        if (!seen && c->touched.size() == 1) order_.push_back(DnKey(dn));
+        if (!serverPolicy() || !KeptByServer(attribute)) {
+            Set(c, attribute, values);
+            return Status::OK();
+        }
+        ServerWrite w;
+        if (!(s = MapServerWrite(c->current, attribute, values, Now(), &w)).ok()) return s;
+        for (const EntryAttribute& a : w.set) Set(c, a.name, a.values);
+        if (w.password) {
+            c->password = values.empty() ? std::string() : values[0];
+            Order(*c);
+        }
+        if (w.clearHistory) {
+            c->clearHistory = true;
+            Order(*c);
+        }
         return Status::OK();
     }
 
@@ -153,18 +201,32 @@ class LdapTransaction : public StoreWriter {
         *conflict = false;
         for (const std::string& key : order_) {
             Cached& c = cache_[key];
+            int rc = LDAP_SUCCESS;
+            std::string what = "change of ";
+            if (!c.password.empty()) {
+                what = "new password of ";
+                rc = ChangePassword(c);
+            }
             std::vector<Modification> change, undo;
             std::string assertion;
-            Plan(c, &change, &undo, &assertion);
-            if (change.empty()) continue;
-            int rc = ldap_.Modify(c.original.dn, change, assertion);
+            bool relax = false;
             if (rc == LDAP_SUCCESS) {
-                applied_.push_back({c.original.dn, std::move(undo)});
-                continue;
+                what = "change of ";
+                Plan(c, &change, &undo, &assertion);
+                for (const Modification& m : change)
+                    relax = relax || IsServerAttribute(m.attribute);
+                relax = relax && serverPolicy();
+                if (!change.empty()) rc = ldap_.Modify(c.original.dn, change, assertion, relax);
             }
+            if (rc == LDAP_SUCCESS && !change.empty())
+                applied_.push_back({c.original.dn, std::move(undo), relax, {}});
+            if (rc == LDAP_SUCCESS && c.clearHistory) {
+                what = "login history of ";
+                rc = ClearHistory(c);
+            }
+            if (rc == LDAP_SUCCESS) continue;
             *conflict = IsConflict(rc);
-            std::string what =
-                ServerGone(rc) ? "did not confirm the change of " : "refused the change of ";
+            what = (ServerGone(rc) ? "did not confirm the " : "refused the ") + what;
             Status failed = ldap_.Failure(rc, what + Quoted(c.original.dn, 200), kUpdateFailed);
             Status undone = Undo();
             return undone.ok() ? failed
@@ -177,7 +239,11 @@ class LdapTransaction : public StoreWriter {
     Status Undo() {
         Status result;
         for (auto it = applied_.rbegin(); it != applied_.rend(); ++it) {
-            int rc = ldap_.Modify(it->dn, it->undo);
+            int rc = LDAP_SUCCESS;
+            for (const Entry& record : it->deleted)
+                if (rc == LDAP_SUCCESS) rc = ldap_.Add(record);
+            if (rc == LDAP_SUCCESS && !it->undo.empty())
+                rc = ldap_.Modify(it->dn, it->undo, std::string(), it->relax);
             if (rc != LDAP_SUCCESS && result.ok())
                 result = ldap_.Failure(
                     rc, "could not take back the change of " + Quoted(it->dn, 200), kUpdateFailed);
@@ -189,6 +255,81 @@ class LdapTransaction : public StoreWriter {
     const AuditRecord* audit() const { return hasAudit_ ? &audit_ : nullptr; }
 
   private:
+    bool serverPolicy() const { return store_.config().serverPolicy; }
+
+    void Order(const Cached& c) {
+        std::string key = DnKey(c.original.dn);
+        for (const std::string& k : order_)
+            if (k == key) return;
+        order_.push_back(key);
+    }
+
+    void Set(Cached* c, std::string_view attribute, const std::vector<std::string>& values) {
+        c->current.Set(attribute, Distinct(values));
+        bool seen = false;
+        for (const std::string& t : c->touched) seen = seen || EqualsNoCase(t, attribute);
+        if (!seen) c->touched.emplace_back(attribute);
+        Order(*c);
+    }
+
+    // The user's access log records, newest first, read once.
+    Status ReadHistory(Cached* c) {
+        if (c->historyRead || store_.config().accessLog.empty()) return Status::OK();
+        std::string dn;
+        if (!EscapeFilterValue(c->original.dn, &dn)) return Status::OK();
+        Status s = ldap_.SearchNewest(store_.config().accessLog,
+                                      "(&(objectClass=auditBind)(reqDN=" + dn + "))", "reqStart",
+                                      kMaxLogRecords, &c->history);
+        c->historyRead = s.ok();
+        return s;
+    }
+
+    // Sets the new password through the server, which also clears the lock,
+    // the failures and the grace logins (and may demand a change at the next
+    // login). The undo puts back the former password and that state; a lock
+    // forever and a must-change chosen in the same post are written again
+    // by the modification that follows.
+    int ChangePassword(Cached& c) {
+        std::vector<Modification> undo;
+        for (const std::string& a : ServerPolicyAttributes())
+            if (a != "pwdLastSuccess" && a != "pwdPolicySubentry" && a != "pwdStartTime" &&
+                a != "pwdEndTime")
+                undo.push_back({LDAP_MOD_REPLACE, a, c.original.Values(a)});
+        undo.push_back({LDAP_MOD_REPLACE, "userPassword", c.original.Values("userPassword")});
+        int rc = ldap_.ChangePassword(c.original.dn, c.password);
+        if (rc != LDAP_SUCCESS) return rc;
+        applied_.push_back({c.original.dn, std::move(undo), true, {}});
+        for (const char* a : {"pwdAccountLockedTime", "pwdReset"}) {
+            bool touched = false;
+            for (const std::string& t : c.touched) touched = touched || EqualsNoCase(t, a);
+            if (touched || !c.current.Values(a).empty()) {
+                c.forced.emplace_back(a);
+                if (!touched) c.touched.emplace_back(a);
+            }
+        }
+        // What the server cleared stays cleared unless the post set it.
+        if (c.current.First("pwdAccountLockedTime") != kLockedForever)
+            c.current.Set("pwdAccountLockedTime", {});
+        return LDAP_SUCCESS;
+    }
+
+    // Deletes the user's access log records; the undo adds them again.
+    int ClearHistory(Cached& c) {
+        Applied deleted{c.original.dn, {}, false, {}};
+        int rc = LDAP_SUCCESS;
+        for (int round = 0; rc == LDAP_SUCCESS && round < 100; ++round) {
+            c.historyRead = false;
+            if (!ReadHistory(&c).ok()) return LDAP_OTHER;
+            if (c.history.empty()) break;
+            for (const Entry& record : c.history) {
+                if (rc == LDAP_SUCCESS) rc = ldap_.Delete(record.dn);
+                if (rc == LDAP_SUCCESS) deleted.deleted.push_back(record);
+            }
+        }
+        applied_.push_back(std::move(deleted));
+        return rc;
+    }
+
     void Remember(Entry e) {
         Cached c;
         c.exists = true;
@@ -204,7 +345,9 @@ class LdapTransaction : public StoreWriter {
         auto it = cache_.find(key);
         if (it == cache_.end()) {
             Cached c;
-            Status s = ldap_.Get(dn, &c.original, &c.exists);
+            Status s =
+                ldap_.Get(dn, &c.original, &c.exists,
+                          serverPolicy() ? ServerPolicyAttributes() : std::vector<std::string>{});
             if (!s.ok()) return s;
             c.current = c.original;
             it = cache_.emplace(key, std::move(c)).first;
@@ -224,7 +367,9 @@ class LdapTransaction : public StoreWriter {
         for (const std::string& name : c.touched) {
             std::vector<std::string> before = c.original.Values(name),
                                      after = c.current.Values(name);
-            if (before == after) continue;
+            bool forced = false;
+            for (const std::string& f : c.forced) forced = forced || EqualsNoCase(f, name);
+            if (before == after && !forced) continue;
             if (ChangedByValue(name)) {
                 ValueDelta d = Delta(before, after, KeepsOrder(name));
                 if (d.empty()) continue;

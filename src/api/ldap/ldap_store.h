@@ -48,6 +48,7 @@ class LdapStore : public Store {
     // Writers on several hosts are not serialised by the server; see above.
     Status Write(const std::function<Status(StoreWriter&)>& body) override;
     const std::string& name() const override { return config_.url; }
+    bool SetsPasswords() const override { return config_.serverPolicy; }
 
     // For the transactions in ldap_store.cc.
     LdapConnection& connection() { return *connection_; }

@@ -89,6 +89,12 @@ TEST(LdapConfigTest, FaultsAreNamedWithTheirLine) {
         {"url = 'ldap://h'\naudit = 'a.db'\ntls = 'yes'", "ldap://h", "'none' or 'starttls'"},
         {"url = 'ldap://h'\naudit = 'a.db'\ntimeout_ms = 5", "ldap://h", "from 100 to 600000"},
         {"url = 'ldap://h'\naudit = 'a.db'\nport = 389", "ldap://h", "unknown key 'port'"},
+        {"url = 'ldap://h'\naudit = 'a.db'\npolicy = 'ppolicy'", "ldap://h",
+         "needs 'default_policy'"},
+        {"url = 'ldap://h'\naudit = 'a.db'\npolicy = 'pwpolicy'", "ldap://h",
+         "'ppolicy' or left out"},
+        {"url = 'ldap://h'\naudit = 'a.db'\naccess_log = 'cn=log'", "ldap://h",
+         "need policy = 'ppolicy'"},
         {"url = 'ldap://h'\naudit = 'a.db'", "ldap://other:389",
          "directory 'd': no [[ldap]] has the url 'ldap://other:389'"},
     };
