@@ -69,8 +69,14 @@ std::string OutDate(const char* stamp) {
     if (t == 0 || t == -1) return "";
     struct tm utc;
     if (PA::GMTIME(&t, &utc) == nullptr) return "";
-    std::string day = fields::Translated(kDaysKey[utc.tm_wday], kDays[utc.tm_wday]);
-    std::string month = fields::Translated(kMonthsKey[utc.tm_mon], kMonths[utc.tm_mon]);
+    // The text only ever reaches the browser's date reader (LocalDate,
+    // InsertLocalDate2), which knows the English names alone; the strict
+    // profile gives it those, so that translated pages show real dates.
+    bool english = StrictOutput();
+    std::string day = english ? kDays[utc.tm_wday]
+                              : fields::Translated(kDaysKey[utc.tm_wday], kDays[utc.tm_wday]);
+    std::string month = english ? kMonths[utc.tm_mon]
+                                : fields::Translated(kMonthsKey[utc.tm_mon], kMonths[utc.tm_mon]);
     // Formatted apart from prtFormatter's own text, so that a caller's
     // sprintf result survives a date conversion.
     CpaArgList args;

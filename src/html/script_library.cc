@@ -5,6 +5,7 @@
 #include <string>
 
 #include "fields/field_model.h"
+#include "html/output_profile.h"
 #include "html/page.h"
 #include "html/page_text.h"
 #include "i18n/language.h"
@@ -39,9 +40,14 @@ std::string RequestTimeText() {
     if (gmtime_r(&Now, &t) == nullptr) std::memset(&t, 0, sizeof t);
     PageText day(Lang, kDayKeys[t.tm_wday % 7], kDays[t.tm_wday % 7]);
     PageText month(Lang, kMonthKeys[t.tm_mon % 12], kMonths[t.tm_mon % 12]);
+    // Read back by LocalDate in the browser, which knows English names only:
+    // the strict profile writes those (see OutDate).
+    bool english = StrictOutput();
     CKvFormatter format;  // prtFormatter's own text is left to its callers
-    return format.sprintf("%s, %ld %s %ld %02ld:%02ld:%02ld GMT", day.buffer,
-                          static_cast<long>(t.tm_mday), month.buffer,
+    return format.sprintf("%s, %ld %s %ld %02ld:%02ld:%02ld GMT",
+                          english ? kDays[t.tm_wday % 7] : day.buffer,
+                          static_cast<long>(t.tm_mday),
+                          english ? kMonths[t.tm_mon % 12] : month.buffer,
                           static_cast<long>(t.tm_year) + 1900L, static_cast<long>(t.tm_hour),
                           static_cast<long>(t.tm_min), static_cast<long>(t.tm_sec));
 }
