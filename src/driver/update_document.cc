@@ -3,6 +3,7 @@
 #include <strings.h>
 
 #include "cgi/response.h"
+#include "html/output_profile.h"
 #include "html/page.h"
 #include "i18n/language.h"
 #include "platform/formatter.h"
@@ -18,15 +19,28 @@ bool IsHistoryField(const std::string& name) {
            strcasecmp(name.c_str(), "kvfpsLog") == 0;
 }
 
+// Appends a posted name or value. The API reads a document of several lines
+// one value per line, so that a value cannot close its element and open
+// others; in the strict profile a line end typed into a value (no field of
+// the page can hold one) becomes a blank, so it cannot start a line either.
+void AppendPosted(std::string& document, const std::string& text, bool strict) {
+    if (!strict) {
+        document += text;
+        return;
+    }
+    for (char c : text) document += (c == '\r' || c == '\n') ? ' ' : c;
+}
+
 }  // namespace
 
 // Names and values go into the document exactly as posted, without XML
 // escaping: the API receives them unaltered and judges them itself.
 bool BuildUpdateDocument(FieldMap& fields, std::string& document) {
+    const bool strict = StrictOutput();
     document = "<User name=\"";
     auto dn = fields.find("LXR-USERDN");
     if (dn == fields.end()) return false;
-    document += dn->second;
+    AppendPosted(document, dn->second, strict);
     document += "\">\n";
     fields.erase(dn);
 
@@ -41,9 +55,9 @@ bool BuildUpdateDocument(FieldMap& fields, std::string& document) {
         if (name.compare(0, 6, "GROUP-") == 0) {
             if (!value.empty()) {
                 document += "    <Group name=\"";
-                document.append(name, 6, std::string::npos);
+                AppendPosted(document, name.substr(6), strict);
                 document += "\" member=\"";
-                document += value;
+                AppendPosted(document, value, strict);
                 document += "\"/>\n";
             }
         } else if (strcasecmp(name.c_str(), "userPassword") == 0 && value.empty()) {
@@ -51,7 +65,7 @@ bool BuildUpdateDocument(FieldMap& fields, std::string& document) {
         } else if (!IsHistoryField(name)) {
             if (name != previous) {
                 document += "    <Attribute name=\"";
-                document += name;
+                AppendPosted(document, name, strict);
                 document += "\">\n";
                 pending = kAttributeClosing;
             }
@@ -59,7 +73,7 @@ bool BuildUpdateDocument(FieldMap& fields, std::string& document) {
                 document += "        <Value/>\n";
             } else {
                 document += "        <Value>";
-                document += value;
+                AppendPosted(document, value, strict);
                 document += "</Value>\n";
             }
         } else if (value == "1") {
