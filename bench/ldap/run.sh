@@ -19,11 +19,7 @@ unset LXR_NOW
 "$lxrdir" create "$w/demo.db" "$root/examples/demo.ldif" >/dev/null
 sed -e "s|\"../var/demo.db\"|\"$w/demo.db\"|" "$root/examples/lxrapi.toml" >"$w/embedded.toml"
 "$lxrdir" create "$w/audit.db" >/dev/null
-sed -e "s|ldap://127.0.0.1:3890|$LXR_LDAP_URL|" \
-    -e "s|\"../../var/ldap.secret\"|\"$LXR_LDAP_PASSWORD_FILE\"|" \
-    -e "s|\"../../var/ldap-audit.db\"|\"$w/audit.db\"|" \
-    -e 's|^auxiliary_class = .*|&\npolicy = "ppolicy"\ndefault_policy = "cn=default,ou=policies,o=example"|' \
-    "$root/examples/ldap/lxrapi.toml" >"$w/ldap.toml"
+cp "$LXR_LDAP_API_CONFIG" "$w/ldap.toml"
 
 # rupert: five failures (the most the policy records) and 1,000 log records.
 who() { ldapwhoami -x -H "$LXR_LDAP_URL" -D uid=rupert,ou=staff,o=example -w "$1" >/dev/null 2>&1 || true; }
