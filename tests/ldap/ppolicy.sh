@@ -125,15 +125,15 @@ check "so the user binds again" 0 "$(bind frank)"
 # user's own, that the server applies at the next bind; removing the last
 # override gives the user's policy back. Steps in order, one per row:
 # USER|FIELD|VALUE|BIND (- none)|DISABLED REASON|VALUE READ BACK
-# niaj's password expired in 2020 with no grace logins left; olivia's too,
+# victor's password expired in 2020 with no grace logins left; olivia's too,
 # but she never logged in, so her idle time counts from that change (and
 # her stored "30 temporary" has no policy behind it, so it is not in force).
-for u in niaj olivia; do
+for u in victor olivia; do
     printf 'replace: pwdChangedTime\npwdChangedTime: 20200101000000Z\n' | root_modify "uid=$u,$staff"
 done
 printf 'replace: pwdGraceUseTime\npwdGraceUseTime: 20200301000000.000001Z\npwdGraceUseTime: 20200301000000.000002Z\n' |
-    root_modify "uid=niaj,$staff"
-check "an expired password without grace logins is refused" 49 "$(bind niaj)"
+    root_modify "uid=victor,$staff"
+check "an expired password without grace logins is refused" 49 "$(bind victor)"
 check "a stored inactivity value without a policy is not shown" "" "$(value olivia kvlxrAccountInactivityDays)"
 expired="Password expired 2020-06-29 00:00 UTC; no grace logins left"
 while IFS='|' read -r user field posted status reason shown; do
@@ -143,16 +143,16 @@ while IFS='|' read -r user field posted status reason shown; do
     check "$user: then the disabled reasons" "$reason" "$(disabled "$user")"
     check "$user: and $field reads" "$shown" "$(value "$user" "$field")"
 done <<ROWS
-niaj|kvlxrExpirePasswordDays|0 never expires|0||0 never expires
-niaj|kvlxrExpirePasswordDays||49|$expired|
-niaj|kvlxrExpirePasswordDays|30|49|Password expired 2020-01-31 00:00 UTC; no grace logins left|30
-niaj|kvlxrExpirePasswordDays|3650 ten years|0||3650 ten years
-niaj|kvlxrExpirePasswordDays||49|$expired|
+victor|kvlxrExpirePasswordDays|0 never expires|0||0 never expires
+victor|kvlxrExpirePasswordDays||49|$expired|
+victor|kvlxrExpirePasswordDays|30|49|Password expired 2020-01-31 00:00 UTC; no grace logins left|30
+victor|kvlxrExpirePasswordDays|3650 ten years|0||3650 ten years
+victor|kvlxrExpirePasswordDays||49|$expired|
 olivia|kvlxrExpirePasswordDays|0|-||0
 olivia|kvlxrAccountInactivityDays|30 back in a month|49|Idle since 2020-01-01 00:00 UTC|30 back in a month
 olivia|kvlxrAccountInactivityDays||0||
 ROWS
-check "removing the last override gives the default policy back" "" "$(root_value "uid=niaj,$staff" pwdPolicySubentry)"
+check "removing the last override gives the default policy back" "" "$(root_value "uid=victor,$staff" pwdPolicySubentry)"
 check "the lifetime override stays after the inactivity one goes" "0" "$(value olivia kvlxrExpirePasswordDays)"
 write peggy "$(attribute kvlxrExpirePasswordDays '0 contractor')" >/dev/null
 check "an equal override shares the per-user policy" \
