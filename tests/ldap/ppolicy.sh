@@ -199,6 +199,9 @@ check "an override copied from a policy with pwdMinDelay is refused" 1 \
 check "saying why" 1 "$(grep -c 'cn=slow,ou=policies,o=example. sets pwdMinDelay' "$work/write.out")"
 check "and the user keeps the policy" "cn=slow,ou=policies,o=example" "$(root_value "uid=uma,$staff" pwdPolicySubentry)"
 check "no per-user policy was made" "$made" "$(policy_count)"
+check "more days than the server's policy holds are refused" 1 \
+    "$(write victor "$(attribute kvlxrExpirePasswordDays '24856')")"
+check "and change nothing" "" "$(root_value "uid=victor,$staff" pwdPolicySubentry)"
 
 # A password reset through the server's own checks.
 check "a reset with must-change is written" 0 \

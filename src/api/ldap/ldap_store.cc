@@ -311,6 +311,10 @@ class LdapTransaction : public StoreWriter {
             return Status::UpdateFailed(
                 "LDAP directory " + Shown(store_.name()) + " keeps " + std::string(attribute) +
                 " in a per-user policy, and its [[ldap]] table names no 'policy_base' for them");
+        if (!values.empty() && OverrideSeconds(values[0]) == kTooManyDays)
+            return Status::UpdateFailed("LDAP directory " + Shown(store_.name()) + ": " +
+                                        std::string(attribute) + " takes at most " +
+                                        std::to_string(kMostDays) + " days in a server's policy");
         Set(c, attribute, values);
         UserPolicies p = PoliciesOf(c->original, config);
         const Entry* current = nullptr;

@@ -93,8 +93,9 @@ UserPolicies PoliciesOf(const Entry& user, const LdapConfig& config) {
 
 long OverrideSeconds(const std::string& value) {
     std::string days = DaysWord(value);
-    if (days.empty() || days.size() > 6) return -1;
-    return std::strtol(days.c_str(), nullptr, 10) * kDay;
+    if (days.empty()) return -1;
+    long n = days.size() > 6 ? kMostDays + 1 : std::strtol(days.c_str(), nullptr, 10);
+    return n > kMostDays ? kTooManyDays : n * kDay;
 }
 
 std::vector<OverrideValue> OverridesAfter(const Entry& user, const Entry* current, bool overridden,

@@ -49,7 +49,10 @@ struct OverrideValue {
 };
 
 // The days of an override field's value ("30 comment"), in seconds; -1 for
-// an empty value (no override).
+// an empty value (no override), kTooManyDays for more days than the
+// server's policy can hold in its 32-bit count of seconds.
+constexpr long kTooManyDays = -2;
+constexpr long kMostDays = 24855;
 long OverrideSeconds(const std::string& value);
 
 // For a user whose write changes `posted` (one override field), the value of
