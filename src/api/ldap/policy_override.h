@@ -49,8 +49,8 @@ struct OverrideValue {
 };
 
 // The days of an override field's value ("30 comment"), in seconds; -1 for
-// an empty value (no override), kTooManyDays for more days than the
-// server's policy can hold in its 32-bit count of seconds.
+// an empty value (no override), kTooManyDays beyond kMostDays: a policy's
+// seconds are kept within 32 bits, a size every server reads alike.
 constexpr long kTooManyDays = -2;
 constexpr long kMostDays = 24855;
 long OverrideSeconds(const std::string& value);
