@@ -55,10 +55,11 @@ constexpr long kTooManyDays = -2;
 constexpr long kMostDays = 24855;
 long OverrideSeconds(const std::string& value);
 
-// For a user whose write changes `posted` (one override field), the value of
-// every override field afterwards: the posted one from `user` (the body's
-// view, our attributes), the other from `current` (the user's per-user
-// policy, null when there is none) when the user keeps an override there.
+// The value of every override field after a write that has set the
+// attributes `posted` so far: a posted field's from `user` (the write's view
+// of the entry, our attributes), another's from `current` (the user's
+// per-user policy as read, null when there is none) when `user` still keeps
+// an override of it there.
 std::vector<OverrideValue> OverridesAfter(const Entry& user, const Entry* current, bool overridden,
                                           const std::vector<std::string>& posted);
 
