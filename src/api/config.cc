@@ -334,10 +334,10 @@ bool ReadLdap(Reader& r, const toml::table& t, int index, Config* config) {
                       where +
                           ": a password is not written here; name a file with "
                           "'password_file' or an environment variable with 'password_env'");
-    if (!r.OnlyKeys(
-            t, where.c_str(),
-            {"url", "bind_dn", "password_file", "password_env", "tls", "ca_file", "tls_verify",
-             "timeout_ms", "audit", "auxiliary_class", "policy", "default_policy", "access_log"}) ||
+    if (!r.OnlyKeys(t, where.c_str(),
+                    {"url", "bind_dn", "password_file", "password_env", "tls", "ca_file",
+                     "tls_verify", "timeout_ms", "audit", "auxiliary_class", "policy",
+                     "default_policy", "access_log", "policy_base"}) ||
         !r.String(t, "url", where.c_str(), true, &l.url))
         return false;
     if (!IsLdapUrl(l.url) || l.url.find_first_of(" \t") != std::string::npos)
@@ -358,7 +358,8 @@ bool ReadLdap(Reader& r, const toml::table& t, int index, Config* config) {
         !r.String(t, "auxiliary_class", where.c_str(), false, &l.auxiliaryClass) ||
         !r.String(t, "policy", where.c_str(), false, &policy) ||
         !r.String(t, "default_policy", where.c_str(), false, &l.defaultPolicy) ||
-        !r.String(t, "access_log", where.c_str(), false, &l.accessLog))
+        !r.String(t, "access_log", where.c_str(), false, &l.accessLog) ||
+        !r.String(t, "policy_base", where.c_str(), false, &l.policyBase))
         return false;
     if (policy != "" && policy != "ppolicy")
         return r.Fail(l.line, where + ": 'policy' must be 'ppolicy' or left out");
@@ -366,9 +367,11 @@ bool ReadLdap(Reader& r, const toml::table& t, int index, Config* config) {
     if (l.serverPolicy && l.defaultPolicy.find('=') == std::string::npos)
         return r.Fail(l.line, where + ": policy 'ppolicy' needs 'default_policy', the DN of the " +
                                   "server's default policy entry");
-    if (!l.serverPolicy && (t.get("default_policy") || t.get("access_log")))
-        return r.Fail(l.line,
-                      where + ": 'default_policy' and 'access_log' need policy = 'ppolicy'");
+    if (!l.serverPolicy && (t.get("default_policy") || t.get("access_log") || t.get("policy_base")))
+        return r.Fail(l.line, where + ": 'default_policy', 'access_log' and 'policy_base' need " +
+                                  "policy = 'ppolicy'");
+    if (!l.policyBase.empty() && l.policyBase.find('=') == std::string::npos)
+        return r.Fail(l.line, where + ": 'policy_base' is not a distinguished name");
     if (!l.bindDn.empty() && l.bindDn.find('=') == std::string::npos)
         return r.Fail(l.line, where + ": 'bind_dn' is not a distinguished name");
     if (!l.passwordFile.empty() && !l.passwordEnv.empty())
