@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "document_checker.h"
 #include "password.h"
+#include "support/user_document.h"
 #include "test_support.h"
 
 namespace lxrapi {
@@ -20,7 +20,8 @@ class ServiceTest : public ::testing::Test {
         Status s = ReadUser(f_.config, f_.stores, role, admin, userPath, 65535, &reply_, &n);
         if (count) *count = n;
         if (s.ok()) {
-            EXPECT_TRUE(checker_.ReadUser(reply_, &user_)) << checker_.error << reply_;
+            std::string error;
+            EXPECT_TRUE(lxrtest::ReadUserDocument(reply_, user_, error)) << error << reply_;
         }
         return s;
     }
@@ -36,28 +37,28 @@ class ServiceTest : public ::testing::Test {
         store->Read([&](StoreReader& r) { return r.ListAudit("", &records); });
         return records;
     }
-    const testing::CheckedAttribute* Attr(const char* name) {
+    const AttributeElement* Attr(const char* name) {
         for (const auto& a : user_.attributes)
             if (a.name == name) return &a;
         return nullptr;
     }
 
     testing::Fixture f_;
-    testing::DocumentChecker checker_;
-    testing::CheckedUser user_;
+    lxrtest::UserDocument user_;
     std::string reply_;
 };
 
 TEST_F(ServiceTest, DirectoryListFollowsTheRole) {
     std::string reply;
     ASSERT_TRUE(GetDirectories(f_.config, "desk", &reply).ok());
-    std::vector<std::pair<std::string, std::string>> list;
-    ASSERT_TRUE(checker_.ReadDirectories(reply, &list)) << checker_.error;
+    DirectoryTable list;
+    std::string error;
+    ASSERT_TRUE(lxrtest::ReadDirectories(reply, list, error)) << error;
     EXPECT_EQ(list.size(), 2u);
     ASSERT_TRUE(GetDirectories(f_.config, "reader", &reply).ok());
-    ASSERT_TRUE(checker_.ReadDirectories(reply, &list));
+    ASSERT_TRUE(lxrtest::ReadDirectories(reply, list, error)) << error;
     ASSERT_EQ(list.size(), 1u);
-    EXPECT_EQ(list[0].second, "people");
+    EXPECT_EQ(list.begin()->second, "people");
     EXPECT_EQ(GetDirectories(f_.config, "nobody", &reply).code(), kAccessDenied);
 }
 
@@ -66,8 +67,8 @@ TEST_F(ServiceTest, ReadShowsEveryAttributeTheRoleMayRead) {
     ASSERT_TRUE(Read("desk", kLead, "people/ann", &count).ok());
     EXPECT_EQ(count, 26);
     EXPECT_EQ(user_.attributes.size(), 26u);
-    EXPECT_EQ(user_.name, kAnn);
-    EXPECT_EQ(user_.disabled, "");
+    EXPECT_EQ(user_.user.name, kAnn);
+    EXPECT_EQ(user_.user.disabled, "");
     EXPECT_EQ(Attr("kvlxrFailureCount")->values,
               std::vector<std::string>{"2 20260530101010Z 10.0.0.5"});
     EXPECT_TRUE(Attr("kvlxrFailureCount")->write);
@@ -77,9 +78,9 @@ TEST_F(ServiceTest, ReadShowsEveryAttributeTheRoleMayRead) {
     EXPECT_TRUE(Attr("userPassword")->values.empty());  // never returned
     EXPECT_TRUE(Attr("kvlxrHistory")->values.empty());  // former hashes stay inside
     ASSERT_EQ(user_.groups.size(), 2u);
-    EXPECT_EQ(user_.groups[0].member, "false");
+    EXPECT_EQ(user_.groups[0].member, ::Membership::kNotMember);
     EXPECT_EQ(user_.groups[0].reasoncode, "Locked by policy");
-    EXPECT_EQ(user_.groups[1].member, "true");
+    EXPECT_EQ(user_.groups[1].member, ::Membership::kMember);
 }
 
 // Values that another client, an LDIF import or the login services wrote
@@ -144,7 +145,7 @@ TEST_F(ServiceTest, UsersAreFoundByDnOrByName) {
         Status s = Read("desk", kLead, c.path);
         EXPECT_EQ(s.code(), c.code) << c.path << ": " << s.message();
         if (s.ok()) {
-            EXPECT_EQ(user_.name, c.dnOrMessage);
+            EXPECT_EQ(user_.user.name, c.dnOrMessage);
         } else {
             EXPECT_NE(s.message().find(c.dnOrMessage), std::string::npos) << s.message();
         }
@@ -167,7 +168,7 @@ TEST_F(ServiceTest, NarrowRolesSeeLess) {
     ASSERT_EQ(user_.attributes.size(), 2u);
     EXPECT_FALSE(user_.attributes[0].write);
     ASSERT_EQ(user_.groups.size(), 1u);  // vpn: may change, may not see
-    EXPECT_EQ(user_.groups[0].member, "restricted");
+    EXPECT_EQ(user_.groups[0].member, ::Membership::kUnknown);
     EXPECT_TRUE(user_.groups[0].write);
     EXPECT_FALSE(user_.groups[0].read);
     ASSERT_TRUE(Read("blind", "uid=reader,ou=admins,o=t", "people/ann", &count).ok());
@@ -176,12 +177,12 @@ TEST_F(ServiceTest, NarrowRolesSeeLess) {
 
 TEST_F(ServiceTest, DisabledReasonsAndRedisable) {
     ASSERT_TRUE(Read("desk", kLead, "people/bo").ok());
-    EXPECT_EQ(user_.disabled, "Disabled forever,Locked by policy");
+    EXPECT_EQ(user_.user.disabled, "Disabled forever,Locked by policy");
     ASSERT_TRUE(Write("<Attribute name=\"kvlxrFailureCount\"><Value>7 20260601110000Z 10.9.9.9"
                       "</Value></Attribute>")
                     .ok());
     ASSERT_TRUE(Read("desk", kLead, "people/ann").ok());
-    EXPECT_EQ(user_.disabled, "Failure count 7 reached the maximum of 5");
+    EXPECT_EQ(user_.user.disabled, "Failure count 7 reached the maximum of 5");
     EXPECT_TRUE(Attr("kvlxrFailureCount")->redisable);
     EXPECT_FALSE(Attr("kvlxrLoginHistory")->redisable);
 }
@@ -229,10 +230,10 @@ TEST_F(ServiceTest, GroupMembershipChanges) {
                     .ok());
     ASSERT_TRUE(Read("desk", kLead, "people/ann").ok());
     EXPECT_EQ(user_.groups[0].name, "locked-out");
-    EXPECT_EQ(user_.groups[0].member, "true");
+    EXPECT_EQ(user_.groups[0].member, ::Membership::kMember);
     EXPECT_EQ(user_.groups[1].name, "vpn");
-    EXPECT_EQ(user_.groups[1].member, "false");
-    EXPECT_EQ(user_.disabled, "Locked by policy");
+    EXPECT_EQ(user_.groups[1].member, ::Membership::kNotMember);
+    EXPECT_EQ(user_.user.disabled, "Locked by policy");
     EXPECT_EQ(f_.Get("cn=locked,ou=groups,o=t").Values("member").size(), 2u);
     EXPECT_EQ(Write("<Group name=\"locked-out\" member=\"2\"/>").code(), kBadRequest);
 }
@@ -269,7 +270,9 @@ TEST_F(ServiceTest, GroupsAreNamedByIdentifierOrDn) {
             EXPECT_NE(s.message().find(c.message), std::string::npos) << s.message();
             if (c.code != kOk) continue;
             ASSERT_TRUE(Read("desk", kLead, "people/ann").ok());
-            EXPECT_EQ(user_.groups[0].member, *member == '1' ? "true" : "false") << body;
+            EXPECT_EQ(user_.groups[0].member,
+                      *member == '1' ? ::Membership::kMember : ::Membership::kNotMember)
+                << body;
         }
     }
     // A group the role may not change is refused by its identifier.

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "html/testing/capture.h"
+#include "support/capture.h"
 
 namespace {
 

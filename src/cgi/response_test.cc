@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "cgi/fields.h"
-#include "html/testing/capture.h"
+#include "support/capture.h"
 
 namespace {
 

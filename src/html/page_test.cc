@@ -10,19 +10,17 @@
 #include <string>
 
 #include "fields/field_model.h"
-#include "html/testing/capture.h"
-#include "html/testing/translators.h"
+#include "support/request_reset.h"
+#include "support/translators.h"
 
 namespace {
 
-// 2005-01-05 10:20:30 UTC, a Wednesday.
-const time_t kRequestTime = 1104920430;
-
 // Runs each test in a fresh empty working directory (the stylesheet file is
 // looked up there), with the head not yet written and default texts.
-class PageTest : public ::testing::Test {
+class PageTest : public lxrtest::RequestTest {
   protected:
     void SetUp() override {
+        RequestTest::SetUp();
         char dir[] = "/tmp/lxr-page-test-XXXXXX";
         ASSERT_NE(::mkdtemp(dir), nullptr);
         dir_ = dir;
@@ -30,15 +28,12 @@ class PageTest : public ::testing::Test {
         ASSERT_NE(::getcwd(cwd, sizeof cwd), nullptr);
         oldDir_ = cwd;
         ASSERT_EQ(::chdir(dir_.c_str()), 0);
-        lxrtest::UseDefaultTranslators();
-        bOutputHTMLHeader = false;
-        Now = kRequestTime;
-        tagDisabled = "User will not be able to login";
     }
     void TearDown() override {
         ::unlink((dir_ + "/LXRAdmin.css").c_str());
         EXPECT_EQ(::chdir(oldDir_.c_str()), 0);
         ::rmdir(dir_.c_str());
+        RequestTest::TearDown();
     }
     void CreateStyleSheetFile() { std::ofstream(dir_ + "/LXRAdmin.css") << ".X { }\n"; }
 
