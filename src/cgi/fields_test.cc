@@ -124,12 +124,6 @@ TEST(AddToFieldsTest, CutsSeparatorsAndRestoresEquals) {
     EXPECT_EQ(buffer, std::string("&a=1\0&b=2", 9));
 }
 
-TEST(AddToFieldsTest, NullDataAddsNothing) {
-    FieldMap fields;
-    addToFields(fields, nullptr, true);
-    EXPECT_TRUE(fields.empty());
-}
-
 TEST(ParseQueryStringTest, Table) {
     struct Case {
         const char* query;
