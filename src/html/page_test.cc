@@ -11,6 +11,7 @@
 
 #include "fields/field_model.h"
 #include "support/request_reset.h"
+#include "support/temp_dir.h"
 #include "support/translators.h"
 
 namespace {
@@ -21,21 +22,17 @@ class PageTest : public lxrtest::RequestTest {
   protected:
     void SetUp() override {
         RequestTest::SetUp();
-        char dir[] = "/tmp/lxr-page-test-XXXXXX";
-        ASSERT_NE(::mkdtemp(dir), nullptr);
-        dir_ = dir;
+        ASSERT_FALSE(dir_.path().empty());
         char cwd[4096];
         ASSERT_NE(::getcwd(cwd, sizeof cwd), nullptr);
         oldDir_ = cwd;
-        ASSERT_EQ(::chdir(dir_.c_str()), 0);
+        ASSERT_EQ(::chdir(dir_.path().c_str()), 0);
     }
     void TearDown() override {
-        ::unlink((dir_ + "/LXRAdmin.css").c_str());
         EXPECT_EQ(::chdir(oldDir_.c_str()), 0);
-        ::rmdir(dir_.c_str());
         RequestTest::TearDown();
     }
-    void CreateStyleSheetFile() { std::ofstream(dir_ + "/LXRAdmin.css") << ".X { }\n"; }
+    void CreateStyleSheetFile() { std::ofstream(dir_.File("LXRAdmin.css")) << ".X { }\n"; }
 
     static std::string Head() {
         return lxrtest::CaptureStdout([] {
@@ -44,7 +41,7 @@ class PageTest : public lxrtest::RequestTest {
         });
     }
 
-    std::string dir_;
+    lxrtest::TempDir dir_;
     std::string oldDir_;
 };
 

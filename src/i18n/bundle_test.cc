@@ -6,7 +6,11 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <fstream>
 #include <string>
+
+#include "support/capture.h"
+#include "support/temp_dir.h"
 
 namespace {
 
@@ -71,21 +75,12 @@ TEST(CatalogueDirectory, EnvironmentOrBesideTheExecutable) {
 }
 
 TEST(GetBundle, UnreadableFileMeansNoBundle) {
-    char dir[] = "/tmp/lxr-catalogue-XXXXXX";
-    ASSERT_NE(mkdtemp(dir), nullptr);
-    std::string tree = std::string(dir) + "/LXRAdmin";
+    lxrtest::TempDir dir;
+    std::string tree = dir.File("LXRAdmin");
     ASSERT_EQ(mkdir(tree.c_str(), 0700), 0);
-    std::string file = tree + "/de.res";
-    FILE* f = std::fopen(file.c_str(), "w");
-    ASSERT_NE(f, nullptr);
-    std::fputs("not a resource bundle", f);
-    std::fclose(f);
-    setenv("LXRADMIN_CATALOGUE", dir, 1);
+    std::ofstream(tree + "/de.res") << "not a resource bundle";
+    lxrtest::ScopedEnv catalogue("LXRADMIN_CATALOGUE", dir.path().c_str());
     EXPECT_EQ(CKvXlate::GetBundle("LXRAdmin", "de"), nullptr);
-    unsetenv("LXRADMIN_CATALOGUE");
-    unlink(file.c_str());
-    rmdir(tree.c_str());
-    rmdir(dir);
 }
 
 // A formatted text and the text it must be.
