@@ -473,7 +473,11 @@ int StrayNonAsciiLine(std::string_view text) {
     enum State { kPlain, kComment, kBasic, kLiteral, kMultiBasic, kMultiLiteral };
     State state = kPlain;
     int line = 1;
-    auto at = [&](size_t i, const char* s) { return text.compare(i, 3, s) == 0; };
+    // Every request reads the whole file, so a byte is looked at once and a
+    // triple quote only where a quote stands.
+    auto triple = [&](size_t i, char q) {
+        return i + 2 < text.size() && text[i + 1] == q && text[i + 2] == q;
+    };
     for (size_t i = 0; i < text.size(); ++i) {
         char c = text[i];
         if (c == '\n') {
@@ -481,37 +485,34 @@ int StrayNonAsciiLine(std::string_view text) {
             if (state == kComment || state == kBasic || state == kLiteral) state = kPlain;
             continue;
         }
-        bool escape = c == '\\' && i + 1 < text.size() && text[i + 1] != '\n';
         switch (state) {
             case kPlain:
                 if (static_cast<unsigned char>(c) >= 0x80) return line;
                 if (c == '#') {
                     state = kComment;
-                } else if (at(i, "\"\"\"") || at(i, "'''")) {
-                    state = c == '"' ? kMultiBasic : kMultiLiteral;
-                    i += 2;
                 } else if (c == '"' || c == '\'') {
-                    state = c == '"' ? kBasic : kLiteral;
+                    bool multi = triple(i, c);
+                    state = c == '"' ? (multi ? kMultiBasic : kBasic)
+                                     : (multi ? kMultiLiteral : kLiteral);
+                    if (multi) i += 2;
                 }
                 break;
             case kComment:
                 break;
             case kBasic:
-                if (escape)
+            case kMultiBasic:
+                if (c == '\\' && i + 1 < text.size() && text[i + 1] != '\n') {
                     ++i;
-                else if (c == '"')
+                } else if (c == '"' && (state == kBasic || triple(i, c))) {
+                    if (state == kMultiBasic) i += 2;
                     state = kPlain;
+                }
                 break;
             case kLiteral:
-                if (c == '\'') state = kPlain;
-                break;
-            case kMultiBasic:
             case kMultiLiteral:
-                if (state == kMultiBasic && escape) {
-                    ++i;
-                } else if (at(i, state == kMultiBasic ? "\"\"\"" : "'''")) {
+                if (c == '\'' && (state == kLiteral || triple(i, c))) {
+                    if (state == kMultiLiteral) i += 2;
                     state = kPlain;
-                    i += 2;
                 }
                 break;
         }
