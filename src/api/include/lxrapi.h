@@ -36,6 +36,11 @@ LXRAPI_EXPORT int LXRAdminWrite(const char* identity, const char* administratorP
                                 const char* context, const char* language, const char* country,
                                 const char* qualifier);
 
+LXRAPI_EXPORT int LXRAdminList(const char* identity, const char* administratorPath,
+                               const char* listRequest, char* reply, int replySize, char* message,
+                               int messageSize, const char* language, const char* country,
+                               const char* qualifier);
+
 #ifdef __cplusplus
 }
 #endif
