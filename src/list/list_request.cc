@@ -78,7 +78,6 @@ bool ReadListQuery(const FieldMap& args, ListQuery& query, std::string& problem)
         if (!PlainText(*value)) return problem = t.name, false;
         *t.into = *value;
     }
-    if (query.kind == ListKind::kSearch && query.start.empty()) return problem = "START", false;
     return true;
 }
 

@@ -32,7 +32,7 @@ struct ListQuery {
     std::string directory;  // DIR: a directory identifier of the role's list
     ListKind kind = ListKind::kLocked;
     int days = kDefaultDays;      // DAYS, for expiring and idle
-    std::string start;            // START: the start of a name, for the search
+    std::string start;            // START: the start of a name, for the search ("": everyone)
     int size = kDefaultPageSize;  // SIZE
     std::string continuation;     // NEXT: the API's token for the following page
 };
@@ -40,10 +40,9 @@ struct ListQuery {
 // Fills `query` from `args` (DIR, LIST, DAYS, START, SIZE, NEXT). Absent
 // arguments keep the defaults. False with `problem` naming the argument when
 // a value is not acceptable: an unknown list, days or size that are not
-// plain decimal numbers within their bounds, a search without a name start,
-// or a text holding a character that cannot stand in the request document
-// (a quotation mark, "<", ">", "&" or a control character). A refused value
-// is never sent to the API.
+// plain decimal numbers within their bounds, or a text holding a character that cannot stand in the
+// request document (a quotation mark, "<", ">", "&" or a control character). A refused value is
+// never sent to the API.
 bool ReadListQuery(const FieldMap& args, ListQuery& query, std::string& problem);
 
 // The request document for LXRAdminList:
