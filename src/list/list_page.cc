@@ -89,7 +89,7 @@ void WriteOption(const std::string& value, const std::string& label, bool select
 // The GET form that picks the directory and the list.
 void WriteQueryForm(const ListPageState& state) {
     const ListQuery& q = state.query;
-    Put("<form method=\"GET\" action=\"\" class=\"SELECTINNERBOX\">\n<p>\n");
+    Put("<form method=\"GET\" class=\"SELECTINNERBOX\">\n<p>\n");
     prtFormatter.printf("<label>%s <select name=\"DIR\">\n", Text("KV-LXR-13001", "Directory"));
     if (state.directories) {
         for (const auto& [name, id] : *state.directories) WriteOption(id, name, id == q.directory);
@@ -211,7 +211,7 @@ void WriteList(const ListPageState& state) {
                             Text("KV-LXR-13021", "No users are on this list."));
     } else {
         if (selectable) {
-            Put("<form method=\"POST\" action=\"\">\n");
+            Put("<form method=\"POST\">\n");
             prtFormatter.printf("<input type=\"hidden\" name=\"TOKEN\" value=\"%s\">\n",
                                 HtmlAttr(state.token.c_str()));
             WriteQueryFields(state.query);
