@@ -138,3 +138,13 @@ extern "C" int LXRAdminWrite(const char* identity, const char* administratorPath
         return 0;
     });
 }
+
+extern "C" int LXRAdminList(const char*, const char*, const char*, char* reply, int replySize,
+                            char* message, int messageSize, const char*, const char*,
+                            const char*) {
+    return Guarded(message, messageSize, [&] {
+        if (reply && replySize > 0) reply[0] = '\0';
+        PutMessage(message, messageSize, "The list call is not available in this build yet");
+        return lxrapi::kUnreachable;
+    });
+}
