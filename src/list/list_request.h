@@ -24,7 +24,7 @@ bool TakesDays(ListKind kind);
 // Bounds of the page size; more than kMaxPageSize rows would make one page
 // (and one API reply) too large to be quick.
 constexpr int kDefaultPageSize = 50;
-constexpr int kMaxPageSize = 500;
+constexpr int kMaxPageSize = 1000;
 constexpr int kDefaultDays = 7;
 constexpr int kMaxDays = 3650;
 

@@ -11,9 +11,9 @@ TEST(ListRequest, ReadsAndWritesTheRequestDocument) {
         const char* document;  // the request document when accepted
     } cases[] = {
         {{{"DIR", "staff"}}, "", R"(<ListRequest directory="staff" list="locked" size="50"/>)"},
-        {{{"dir", "staff"}, {"list", "expiring"}, {"days", "14"}, {"size", "500"}},
+        {{{"dir", "staff"}, {"list", "expiring"}, {"days", "14"}, {"size", "1000"}},
          "",
-         R"(<ListRequest directory="staff" list="expiring" days="14" size="500"/>)"},
+         R"(<ListRequest directory="staff" list="expiring" days="14" size="1000"/>)"},
         {{{"DIR", "p"}, {"LIST", "search"}, {"START", "sam s"}, {"NEXT", "c2FtLnNtaXRoMQ=="}},
          "",
          R"(<ListRequest directory="p" list="search" start="sam s" size="50" continuation="c2FtLnNtaXRoMQ=="/>)"},
@@ -29,7 +29,7 @@ TEST(ListRequest, ReadsAndWritesTheRequestDocument) {
         {{{"DAYS", "3651"}}, "DAYS", ""},
         {{{"DAYS", "+7"}}, "DAYS", ""},
         {{{"DAYS", ""}}, "DAYS", ""},
-        {{{"SIZE", "501"}}, "SIZE", ""},
+        {{{"SIZE", "1001"}}, "SIZE", ""},
         {{{"SIZE", "1e2"}}, "SIZE", ""},
         {{{"START", "a\"/><ListRequest list=\"x"}, {"LIST", "search"}}, "START", ""},
         {{{"DIR", "s&amp;"}}, "DIR", ""},
