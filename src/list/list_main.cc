@@ -45,6 +45,14 @@ std::string ApiMessage(int result, char* message) {
     return message;
 }
 
+// The error page for a reply of the API that cannot be read; false.
+bool UnreadableReply() {
+    WriteListError(
+        "502 Bad Gateway",
+        ListText("KV-LXR-13040", "The directory answered with a document that cannot be read."));
+    return false;
+}
+
 // The role's directories; false (with the error page written) on failure.
 bool Directories(const Request& r, DirectoryTable& table) {
     char message[kMessageSize] = {};
@@ -56,10 +64,7 @@ bool Directories(const Request& r, DirectoryTable& table) {
         return false;
     }
     if (!ReadDirectoryList(reply, table, "", fault)) {
-        WriteListError("502 Bad Gateway",
-                       ListText("KV-LXR-13040",
-                                "The directory answered with a document that cannot be read."));
-        return false;
+        return UnreadableReply();
     }
     return true;
 }
@@ -77,10 +82,7 @@ bool FetchList(const Request& r, const ListQuery& query, UserList& list) {
     }
     const char* fault = nullptr;
     if (!ReadUserList(reply, list, fault)) {
-        WriteListError("502 Bad Gateway",
-                       ListText("KV-LXR-13040",
-                                "The directory answered with a document that cannot be read."));
-        return false;
+        return UnreadableReply();
     }
     return true;
 }
