@@ -66,7 +66,8 @@ void Put(const std::string& text) {
 }
 
 void WriteHead(const std::string& title) {
-    const char* lang = Lang && *Lang->ISO() ? Lang->ISO() : "en";
+    // The language of the page's own texts, which the title has loaded.
+    const char* lang = ListLang && *ListLang->BundleLocale() ? ListLang->BundleLocale() : "en";
     prtFormatter.printf("<!DOCTYPE html>\n<html lang=\"%s\">\n<head>\n", HtmlAttr(lang));
     Put("<meta charset=\"UTF-8\">\n");
     prtFormatter.printf("<title>%s</title>\n", title);
