@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "store.h"
 #include "text.h"
 
@@ -29,6 +31,28 @@ void Entry::Set(std::string_view name, std::vector<std::string> values) {
         return;
     }
     if (!values.empty()) attributes.push_back({std::string(name), std::move(values)});
+}
+
+}  // namespace lxrapi
+
+namespace lxrapi {
+
+Status StoreReader::ListUsers(const ListQuery& query, std::string_view after,
+                              const ListVisitor& visit) {
+    std::vector<std::string> dns;
+    Status s = ListDns(&dns);
+    if (!s.ok()) return s;
+    std::vector<std::pair<std::string, std::string>> below;  // key, DN
+    for (const std::string& dn : dns)
+        if (IsBelow(dn, query.base) && DnKey(dn) > after) below.emplace_back(DnKey(dn), dn);
+    std::sort(below.begin(), below.end());
+    for (const auto& [key, dn] : below) {
+        Entry e;
+        bool found = false;
+        if (!(s = Get(dn, &e, &found)).ok()) return s;
+        if (found && !visit(e, key)) break;
+    }
+    return Status::OK();
 }
 
 }  // namespace lxrapi

@@ -71,7 +71,8 @@ class LdapTransaction : public StoreWriter {
         return Status::OK();
     }
 
-    Status ServerAccountState(const Entry& user, AccountState* state, bool* enforced) override {
+    Status ServerAccountState(const Entry& user, std::time_t now, AccountState* state,
+                              bool* enforced) override {
         *enforced = serverPolicy();
         if (!*enforced) return Status::OK();
         std::string dn = user.First("pwdPolicySubentry");
@@ -80,8 +81,7 @@ class LdapTransaction : public StoreWriter {
         bool found = false;
         Status s = ldap_.Get(dn, &policy, &found);
         if (!s.ok()) return s;
-        *state =
-            EvaluateServerAccount(user, ReadServerPolicy(found ? &policy : nullptr, dn), Now());
+        *state = EvaluateServerAccount(user, ReadServerPolicy(found ? &policy : nullptr, dn), now);
         return Status::OK();
     }
 
