@@ -81,7 +81,10 @@ bool BulkFields(const BulkAction& action, const std::string& dn,
             bool set = !IsBlank(current.value);
             switch (action.kind) {
                 case BulkKind::kUnlock:
-                    if (set) fields[current.name] = ResetValue(now);
+                    // A counter already at zero has nothing to reset.
+                    if (set && current.value.compare(0, 2, "0 ") != 0 && current.value != "0") {
+                        fields[current.name] = ResetValue(now);
+                    }
                     break;
                 case BulkKind::kEnable:
                     if (set) fields[current.name] = "";

@@ -32,8 +32,8 @@ struct CurrentValue {
 
 // The fields the user's page would post for `action`, given the user's DN
 // and attributes as read: LXR-USERDN, then for
-//   unlock:     each failure counter that is set and writable, reset to
-//               "0 <now>" (the page's reset-to-now choice);
+//   unlock:     each failure counter that is set, above zero and writable,
+//               reset to "0 <now>" (the page's reset-to-now choice);
 //   enable:     each disable date that is set and writable, cleared to "";
 //   mustchange: the immediate-change flag, when writable and not yet set,
 //               as "YES via LXRAdmin" (the page's text when no comment is

@@ -72,6 +72,8 @@ TEST(Bulk, NothingToChangeWritesNothing) {
         std::vector<CurrentValue> values;
     } cases[] = {
         {"unlock", {{"kvlxrFailureCount", true, " "}, {"kvfpsLockoutCounter", false, "5 x"}}},
+        {"unlock",
+         {{"kvlxrFailureCount", true, "0 20260601120000Z"}, {"kvfpsLockoutCounter", true, "0"}}},
         {"enable", {{"kvlxrDisableUntil", true, ""}, {"kvlxrTotalLogins", true, "3"}}},
         {"mustchange", {{"kvlxrImmediateChange", true, "YES already"}}},
         {"mustchange", {{"kvlxrImmediateChange", false, ""}}},
