@@ -60,8 +60,10 @@ for c in "${cases[@]}"; do
   IFS='|' read -r name query exe <<<"$c"
   names+=("$name")
   commands+=("env -i ${common[*]} $query $exe")
-  rows=$(env -i "${common[@]}" "$query" "$exe" | grep -c '^<tr><td>\|^[^,]*,"uid=' || true)
-  echo "$name: $rows rows"
+  if [ "$exe" = "$list_exe" ]; then
+    rows=$(env -i "${common[@]}" "$query" "$exe" | grep -c '^<tr><td>\|^[^,]*,"uid=' || true)
+    echo "$name: $rows rows"
+  fi
 done
 hyperfine -N --warmup 3 --runs "$runs" --export-json "$work/h.json" "${commands[@]}" >/dev/null
 python3 - "$work/h.json" "${names[@]}" <<'PY'
