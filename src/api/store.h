@@ -74,6 +74,14 @@ struct ListQuery {
 // (any text; the list's continuation carries it); returns false to stop.
 using ListVisitor = std::function<bool(const Entry& user, const std::string& position)>;
 
+class StoreReader;
+
+// Gets the entries of `dns` that lie below `base` and after the position
+// `after`, in DnKey order, and visits them with their key as the position:
+// the order every store but the embedded one pages by.
+Status VisitByKey(StoreReader& reader, const std::vector<std::string>& dns, std::string_view base,
+                  std::string_view after, const ListVisitor& visit);
+
 // Reading inside a transaction. All lookups compare DNs by DnKey.
 class StoreReader {
   public:
