@@ -32,6 +32,7 @@ constexpr const char* kUsage =
     "  directories ROLE               show the role's directory list through the API\n"
     "  read ROLE ADMINPATH USERPATH   show a user document through the API\n"
     "  write ROLE ADMINPATH FILE      apply an update document through the API\n"
+    "  list ROLE ADMINPATH REQUEST    show a page of a list of users (a ListRequest) through the API\n"
     "The API commands read the configuration named by LXRAPI_CONFIG (else ./lxrapi.toml).\n";
 
 constexpr int kReplySize = 65536;
@@ -176,6 +177,19 @@ int Read(const std::vector<std::string>& args) {
     return Report(rc, message.data());
 }
 
+int List(const std::vector<std::string>& args) {
+    if (args.size() != 3) return Usage("list takes ROLE ADMINPATH REQUEST");
+    std::vector<char> reply(kReplySize), message(kMessageSize);
+    int rc = LXRAdminList(args[0].c_str(), args[1].c_str(), args[2].c_str(), reply.data(),
+                          kReplySize - 1, message.data(), kMessageSize, "EN", "US", nullptr);
+    if (rc >= 0) {
+        std::fputs(reply.data(), stdout);
+        std::fflush(stdout);
+        std::fprintf(stderr, "lxrdir: %d users\n", rc);
+    }
+    return Report(rc, message.data());
+}
+
 int Write(const std::vector<std::string>& args) {
     if (args.size() != 3) return Usage("write takes ROLE ADMINPATH FILE");
     std::ifstream in(args[2], std::ios::binary);
@@ -207,5 +221,6 @@ int main(int argc, char** argv) {
     if (command == "directories") return Directories(args);
     if (command == "read") return Read(args);
     if (command == "write") return Write(args);
+    if (command == "list") return List(args);
     return Usage(("unknown command \"" + command + "\"").c_str());
 }
