@@ -32,7 +32,7 @@ constexpr const char* kUsage =
     "  directories ROLE               show the role's directory list through the API\n"
     "  read ROLE ADMINPATH USERPATH   show a user document through the API\n"
     "  write ROLE ADMINPATH FILE      apply an update document through the API\n"
-    "  list ROLE ADMINPATH REQUEST    show a page of a list of users (a ListRequest) through the API\n"
+    "  list ROLE ADMINPATH REQUEST    show a page of a list of users through the API\n"
     "The API commands read the configuration named by LXRAPI_CONFIG (else ./lxrapi.toml).\n";
 
 constexpr int kReplySize = 65536;
@@ -178,10 +178,15 @@ int Read(const std::vector<std::string>& args) {
 }
 
 int List(const std::vector<std::string>& args) {
-    if (args.size() != 3) return Usage("list takes ROLE ADMINPATH REQUEST");
-    std::vector<char> reply(kReplySize), message(kMessageSize);
-    int rc = LXRAdminList(args[0].c_str(), args[1].c_str(), args[2].c_str(), reply.data(),
-                          kReplySize - 1, message.data(), kMessageSize, "EN", "US", nullptr);
+    if (args.size() < 3) return Usage("list takes ROLE ADMINPATH REQUEST");
+    // The request's words may come as arguments of their own.
+    std::string request = args[2];
+    for (size_t i = 3; i < args.size(); ++i) request += " " + args[i];
+    // Room for a page of the largest size, so that the size decides.
+    constexpr int kListReplySize = 1 << 20;
+    std::vector<char> reply(kListReplySize), message(kMessageSize);
+    int rc = LXRAdminList(args[0].c_str(), args[1].c_str(), request.c_str(), reply.data(),
+                          kListReplySize - 1, message.data(), kMessageSize, "EN", "US", nullptr);
     if (rc >= 0) {
         std::fputs(reply.data(), stdout);
         std::fflush(stdout);
