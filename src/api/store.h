@@ -99,7 +99,8 @@ class StoreReader {
     // The audit records, oldest first; with a non-empty `user`, only that user's.
     virtual Status ListAudit(std::string_view user, std::vector<AuditRecord>* records) = 0;
     // The users below `query.base` that may belong on the list, each as Get
-    // gives it, in a fixed order, from the one after `after` (a position a
+    // gives it (a store may leave out the histories and redirects, which no
+    // list reads), in a fixed order, from the one after `after` (a position a
     // visit received; "" from the start). The default walks every entry
     // sorted by DnKey: enough for small stores.
     virtual Status ListUsers(const ListQuery& query, std::string_view after,
