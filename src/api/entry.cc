@@ -37,22 +37,29 @@ void Entry::Set(std::string_view name, std::vector<std::string> values) {
 
 namespace lxrapi {
 
+Status VisitByKey(StoreReader& reader, const std::vector<std::string>& dns, std::string_view base,
+                  std::string_view after, const ListVisitor& visit) {
+    std::vector<std::pair<std::string, std::string>> below;  // key, DN
+    for (const std::string& dn : dns)
+        if (IsBelow(dn, base) && DnKey(dn) > after) below.emplace_back(DnKey(dn), dn);
+    std::sort(below.begin(), below.end());
+    for (size_t i = 0; i < below.size(); ++i) {
+        if (i > 0 && below[i].first == below[i - 1].first) continue;
+        Entry e;
+        bool found = false;
+        Status s = reader.Get(below[i].second, &e, &found);
+        if (!s.ok()) return s;
+        if (found && !visit(e, below[i].first)) break;
+    }
+    return Status::OK();
+}
+
 Status StoreReader::ListUsers(const ListQuery& query, std::string_view after,
                               const ListVisitor& visit) {
     std::vector<std::string> dns;
     Status s = ListDns(&dns);
     if (!s.ok()) return s;
-    std::vector<std::pair<std::string, std::string>> below;  // key, DN
-    for (const std::string& dn : dns)
-        if (IsBelow(dn, query.base) && DnKey(dn) > after) below.emplace_back(DnKey(dn), dn);
-    std::sort(below.begin(), below.end());
-    for (const auto& [key, dn] : below) {
-        Entry e;
-        bool found = false;
-        if (!(s = Get(dn, &e, &found)).ok()) return s;
-        if (found && !visit(e, key)) break;
-    }
-    return Status::OK();
+    return VisitByKey(*this, dns, query.base, after, visit);
 }
 
 }  // namespace lxrapi

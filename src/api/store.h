@@ -74,6 +74,14 @@ struct ListQuery {
 // (any text; the list's continuation carries it); returns false to stop.
 using ListVisitor = std::function<bool(const Entry& user, const std::string& position)>;
 
+class StoreReader;
+
+// Gets the entries of `dns` that lie below `base` and after the position
+// `after`, in DnKey order, and visits them with their key as the position:
+// the order every store but the embedded one pages by.
+Status VisitByKey(StoreReader& reader, const std::vector<std::string>& dns, std::string_view base,
+                  std::string_view after, const ListVisitor& visit);
+
 // Reading inside a transaction. All lookups compare DNs by DnKey.
 class StoreReader {
   public:
@@ -91,7 +99,8 @@ class StoreReader {
     // The audit records, oldest first; with a non-empty `user`, only that user's.
     virtual Status ListAudit(std::string_view user, std::vector<AuditRecord>* records) = 0;
     // The users below `query.base` that may belong on the list, each as Get
-    // gives it, in a fixed order, from the one after `after` (a position a
+    // gives it (a store may leave out the histories and redirects, which no
+    // list reads), in a fixed order, from the one after `after` (a position a
     // visit received; "" from the start). The default walks every entry
     // sorted by DnKey: enough for small stores.
     virtual Status ListUsers(const ListQuery& query, std::string_view after,
