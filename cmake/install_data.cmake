@@ -26,6 +26,7 @@ string(PREPEND lxr_installed_config
 # directories at your own stores (man lxrapi.toml).")
 file(GENERATE OUTPUT ${CMAKE_BINARY_DIR}/installed/lxrapi.toml CONTENT "${lxr_installed_config}")
 set(LXR_INSTALLED_CGI ${CMAKE_INSTALL_PREFIX}/${LXR_INSTALL_CGIDIR}/LXRAdmin)
+set(LXR_INSTALLED_LIST ${CMAKE_INSTALL_PREFIX}/${LXR_INSTALL_CGIDIR}/LXRList)
 set(LXR_INSTALLED_DATA ${CMAKE_INSTALL_FULL_DATADIR}/lxradmin)
 configure_file(web/installed/apache.conf.in installed/apache.conf @ONLY)
 configure_file(web/installed/lighttpd.conf.in installed/lighttpd.conf @ONLY)

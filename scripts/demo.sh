@@ -3,7 +3,8 @@
 # demo directory. Installs what is needed, builds, creates the demo directory
 # var/demo.db from examples/demo.ldif (once; --reset makes it anew, otherwise
 # it is kept with the changes made through the pages), starts lighttpd with
-# LXRAdmin as a CGI and prints the address to open.
+# LXRAdmin as a CGI and prints the address to open; the list page LXRList
+# (who is locked out, whose password expires, ...) is served beside it.
 #
 #   bash scripts/demo.sh [--reset] [--port N] [--background]
 #   bash scripts/demo.sh --ldap [--port N]
@@ -40,6 +41,12 @@ while [ $# -gt 0 ]; do
   esac
 done
 
+# The secret the list page signs its bulk forms with (docs/security.md),
+# made once per demo directory.
+list_secret() {
+  [ -s "$1" ] || (umask 077 && head -c 48 /dev/urandom >"$1")
+}
+
 BUILD_DIR=${LXR_BUILD_DIR:-build}
 LXRDIR="$BUILD_DIR/src/api/lxrdir"
 EXE="$ROOT/$BUILD_DIR/src/driver/LXRAdmin"
@@ -60,15 +67,17 @@ if [ "$SERVE" = 1 ]; then
   LXRAPI_CONFIG=$LXR_LDAP_API_CONFIG "$LXRDIR" write helpdesk \
     LDAP://demo/uid=hd.lead,ou=admins,o=example "$work/mallory.xml" >/dev/null
   run=$work/web
+  list_secret "$work/list.secret"
   ARGS=(--run "$run" --cgi "$EXE" --agent web/lighttpd/demo-agent.conf
-    --env "LXRAPI_CONFIG=$LXR_LDAP_API_CONFIG")
+    --env "LXRAPI_CONFIG=$LXR_LDAP_API_CONFIG" --env "LXR_LIST_SECRET=$work/list.secret")
   [ -n "$PORT" ] && ARGS+=(--port "$PORT")
   cat <<INFO
 demo: the directory is in slapd at $LXR_LDAP_URL, with its password policy.
       rupert is locked out by five wrong passwords; every password is Demo-pass1.
       Try a wrong one, then look at alice's Failure Count on her page:
         ldapwhoami -x -H $LXR_LDAP_URL -D uid=alice,ou=staff,o=example -w wrong
-      rupert cannot bind until "Reset to Now" is saved on his page:
+      rupert cannot bind until "Reset to Now" is saved on his page, or until
+      LXRList's locked-out list unlocks him with others:
         ldapwhoami -x -H $LXR_LDAP_URL -D uid=rupert,ou=staff,o=example -w Demo-pass1
 demo: Ctrl-C stops the pages and slapd; open the address below
 INFO
@@ -103,8 +112,10 @@ bash web/lighttpd.sh stop --run "$RUN" >/dev/null 2>&1 || true
 if [ -z "$PORT" ] && ! (exec 3<>/dev/tcp/127.0.0.1/8080) 2>/dev/null; then
   PORT=8080
 fi
+list_secret var/list.secret
 ARGS=(--run "$RUN" --cgi "$EXE" --agent web/lighttpd/demo-agent.conf
-  --env "LXRAPI_CONFIG=$LXRAPI_CONFIG" --env "LXR_NOW=$LXR_NOW")
+  --env "LXRAPI_CONFIG=$LXRAPI_CONFIG" --env "LXR_NOW=$LXR_NOW"
+  --env "LXR_LIST_SECRET=$ROOT/var/list.secret")
 [ -n "$PORT" ] && ARGS+=(--port "$PORT")
 
 cat <<INFO
@@ -112,10 +123,12 @@ demo: signed in as uid=hd.lead,ou=admins,o=example (role helpdesk); try the
       directory "Example Corp Staff" and the users alice, rupert, carol, sybil.
       The demo accounts are listed in docs/api.md; to look at the directory:
       LXRAPI_CONFIG=$LXRAPI_CONFIG $LXRDIR show var/demo.db uid=alice,ou=staff,o=example
+      Who is locked out, disabled or idle: LXRList, beside LXRAdmin (address below).
 INFO
 if [ "$BACKGROUND" = 1 ]; then
   url=$(bash web/lighttpd.sh start "${ARGS[@]}")
   echo "demo: open $url/cgi-bin/LXRAdmin"
+  echo "demo: the lists of users that need attention: $url/cgi-bin/LXRList"
   echo "demo: stop it with: bash scripts/demo.sh stop"
 else
   echo "demo: Ctrl-C stops the server; open the address below"

@@ -6,7 +6,7 @@ set -euo pipefail
 PACKAGES=(
   build-essential cmake ninja-build pkg-config clang libclang-rt-14-dev
   libicu-dev icu-devtools libsqlite3-dev sqlite3 libldap-dev ldap-utils slapd
-  libtomlplusplus-dev libargon2-dev libcrypt-dev
+  libtomlplusplus-dev libargon2-dev libcrypt-dev nettle-dev
   libgtest-dev libbenchmark-dev
   lighttpd wrk hyperfine time
 )

@@ -5,7 +5,7 @@
 #   web/apache.sh check|start --run DIR --cgi EXE --users HTPASSWD --agents MAP
 #                 [--namespace NS] [--dirserver NAME] [--api-config FILE]
 #                 [--images DIR] [--port N] [--bind ADDR] [--origin URL]
-#                 [--diagnostics]
+#                 [--diagnostics] [--list-secret FILE]
 #   web/apache.sh stop --run DIR
 #
 # check writes DIR/httpd.conf and runs `apache2 -t` on it with DIR as the
@@ -17,7 +17,8 @@
 # in DIR/httpd.pid. --origin defines LXR_ORIGIN (the site's own origin for
 # the cross-site post refusal; default: the request's scheme and Host);
 # --diagnostics defines LXR_DIAGNOSTICS, which lets DUMPXML and DUMPUPDATEXML
-# through (test servers only).
+# through (test servers only). --list-secret names the file the list page
+# LXRList signs its bulk forms with.
 set -euo pipefail
 
 WEB_DIR=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
@@ -47,6 +48,7 @@ write_config() {
     echo "Define LXR_DIRSERVER $(quote "$DIRSERVER")"
     echo "Define LXR_API_CONFIG $(quote "$API_CONFIG")"
     [ -z "$ORIGIN" ] || echo "Define LXR_ORIGIN $(quote "$ORIGIN")"
+    [ -z "$LIST_SECRET" ] || echo "Define LXR_LIST_SECRET $(quote "$LIST_SECRET")"
     [ "$DIAGNOSTICS" = 0 ] || echo "Define LXR_DIAGNOSTICS"
     if [ "$(id -u)" = 0 ]; then
       echo "Define LXR_AS_USER nobody"
@@ -101,7 +103,7 @@ start_server() {
 
 ACTION=${1:-}
 shift || true
-RUN="" CGI="" PORT="" BIND=127.0.0.1 USERS="" AGENTS="" ORIGIN="" DIAGNOSTICS=0
+RUN="" CGI="" PORT="" BIND=127.0.0.1 USERS="" AGENTS="" ORIGIN="" DIAGNOSTICS=0 LIST_SECRET=""
 NAMESPACE="LDAP:" DIRSERVER="localhost" API_CONFIG="" IMAGES=$WEB_DIR/images
 while [ $# -gt 0 ]; do
   case $1 in
@@ -116,6 +118,7 @@ while [ $# -gt 0 ]; do
     --api-config) API_CONFIG=$2; shift 2 ;;
     --images) IMAGES=$2; shift 2 ;;
     --origin) ORIGIN=$2; shift 2 ;;
+    --list-secret) LIST_SECRET=$2; shift 2 ;;
     --diagnostics) DIAGNOSTICS=1; shift ;;
     *) die "unknown argument: $1" ;;
   esac

@@ -44,6 +44,7 @@ write_config() {
     echo "var.lxr_bind = $(quote "$BIND")"
     echo "var.lxr_port = $port"
     echo "var.lxr_cgi = $(quote "$CGI")"
+    echo "var.lxr_list = $(quote "$(dirname "$CGI")/LXRList")"
     echo "var.lxr_images = $(quote "$IMAGES/")"
     echo "var.lxr_origin = $(quote "${ORIGIN:-http://$BIND:$port}")"
     if [ "$GUARD" = 1 ]; then
@@ -92,6 +93,7 @@ start_server() {
     echo "http://$BIND:$port" >"$RUN/url"
     if [ "$FOREGROUND" = 1 ]; then
       echo "http://$BIND:$port/cgi-bin/LXRAdmin"
+      echo "http://$BIND:$port/cgi-bin/LXRList"
       exec "$LIGHTTPD" -D -f "$RUN/lighttpd.conf"
     fi
     if "$LIGHTTPD" -f "$RUN/lighttpd.conf" 2>>"$RUN/start.log"; then

@@ -12,7 +12,10 @@
 #     against the large directory;
 #   - the display page of a user with 10,000 login-history entries, with the
 #     demo's history limit and without one (then the reply's room decides);
-#   - the display page as its history grows (0 to 10,000 stored entries).
+#   - the display page as its history grows (0 to 10,000 stored entries);
+#   - lists of users (lxrdir list) in the large directory: a page of 1,000
+#     users, a search by the start of a name, the locked list, against
+#     reading one user with lxrdir in the same run.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/../.." && pwd)
 build=$(cd "${1:-$root/build}" && pwd)
@@ -79,6 +82,10 @@ page() {  # config user
   echo "env -i LXR_NOW=$now LXRAPI_CONFIG=$1 REQUEST_METHOD=GET QUERY_STRING=USERDIR=staff&USER=$2 SCRIPT_NAME=/cgi-bin/LXRAdmin HTTP_KV_USERDN=$admin HTTP_KV_AUTHDIRNAMESPACE=LDAP: HTTP_KV_AUTHDIRSERVER=demo HTTP_LXRADMIN=helpdesk $exe"
 }
 
+lister() {  # request: lxrdir list over the large directory
+  printf '%s\n' "env -i LXR_NOW=$now LXRAPI_CONFIG=$work/large/lxrapi.toml $lxrdir list helpdesk LDAP://demo/$admin $1"
+}
+
 names=() commands=()
 add() { names+=("$1"); commands+=("$2"); }
 for d in demo large; do
@@ -90,13 +97,22 @@ add "page:alice" "$(page "$work/large/lxrapi.toml" alice)"
 add "page:h10000-limit" "$(page "$work/large/lxrapi.toml" h10000)"
 add "page:h10000-room" "$(page "$work/large/unlimited.toml" h10000)"
 for n in "${sizes[@]}"; do add "page:h$n" "$(page "$work/demo/unlimited.toml" "h$n")"; done
+add "list:read-one" "env -i LXR_NOW=$now LXRAPI_CONFIG=$work/large/lxrapi.toml $lxrdir read helpdesk LDAP://demo/$admin staff/user050000"
+add "list:page-1000" "$(lister '<ListRequest directory="staff" list="search" size="1000"/>')"
+add "list:search" "$(lister '<ListRequest directory="staff" list="search" start="user0999"/>')"
+add "list:locked" "$(lister '<ListRequest directory="staff" list="locked"/>')"
 
 # Each command once: it must succeed, and its output size is the page size.
 for i in "${!names[@]}"; do
   # shellcheck disable=SC2086  # the commands are word lists
   ${commands[$i]} >"$work/out" 2>"$work/err" || { echo "${names[$i]} failed:" >&2; cat "$work/err" >&2; exit 1; }
   case ${names[$i]} in page:*) grep -q 'NAME="PostForm"' "$work/out" || { echo "${names[$i]}: not a user page" >&2; head -30 "$work/out" >&2; exit 1; } ;; esac
-  echo "${names[$i]} $(wc -c <"$work/out") $(grep -c "LogEntry(W, '" "$work/out" || true)" >>"$work/sizes.txt"
+  case ${names[$i]} in
+    list:read-one) shown=1 ;;
+    list:*) shown=$(grep -c '^<User ' "$work/out" || true) ;;
+    *) shown=$(grep -c "LogEntry(W, '" "$work/out" || true) ;;
+  esac
+  echo "${names[$i]} $(wc -c <"$work/out") $shown" >>"$work/sizes.txt"
 done
 
 # CPU time per process, all commands in turn, twice over, so that a burst of
@@ -129,6 +145,8 @@ for op in ("read-by-name", "read-by-dn", "write"):
     row(f"large:{op}", f"demo:{op}")
 for name in ("page:alice", "page:h10000-limit", "page:h10000-room"):
     row(name, "page:alice")
+for name in ("list:read-one", "list:page-1000", "list:search", "list:locked"):
+    row(name, "list:read-one")
 for name in sorted((n for n in sizes if n.startswith("page:h") and n[6:].isdigit()), key=lambda n: int(n[6:])):
     row(name, "page:h0")
 PY

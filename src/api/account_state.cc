@@ -85,11 +85,9 @@ AccountState EvaluateAccount(const Entry& user, const Policy& policy,
     }
 
     long limit = DaysOf(user, "kvlxrAccountInactivityDays", policy.inactivityDays);
-    std::time_t last = 0, base = 0;
-    bool haveLast = StampOf(user, "kvlxrLastLogin", 0, &last);
-    bool haveBase = StampOf(user, "kvlxrBaseDate", 0, &base);
-    if (limit > 0 && (haveLast || haveBase)) {
-        std::time_t since = haveLast && haveBase ? std::max(last, base) : haveLast ? last : base;
+    std::time_t since = 0;
+    bool haveBase = false;
+    if (limit > 0 && LastActivity(user, &since, &haveBase)) {
         if (since + limit * 86400 < now) {
             state.reasons.push_back(Words(Say::InactiveSince, FormatReadable(since)));
             state.redisable.insert("kvlxraccountinactivitydays");
@@ -100,6 +98,39 @@ AccountState EvaluateAccount(const Entry& user, const Policy& policy,
     }
 
     return WithGroupReasons(std::move(state), groups);
+}
+
+bool IsLockout(const Text& reason) {
+    switch (reason.say) {
+        case Say::FailureCountReached:
+        case Say::LockoutCounterReached:
+        case Say::LockedByAdministrator:
+        case Say::LockedByFailures:
+        case Say::LockedByFailuresUntil:
+            return true;
+        default:
+            return false;
+    }
+}
+
+bool IsPasswordExpiry(const Text& reason) {
+    return reason.say == Say::PasswordExpired || reason.say == Say::ExpiredGraceLeft ||
+           reason.say == Say::ExpiredNoGrace;
+}
+
+bool LastActivity(const Entry& user, std::time_t* since, bool* fromBase) {
+    std::time_t last = 0, base = 0;
+    bool haveLast = StampOf(user, "kvlxrLastLogin", 0, &last);
+    bool haveBase = StampOf(user, "kvlxrBaseDate", 0, &base);
+    if (fromBase) *fromBase = haveBase;
+    *since = haveLast && haveBase ? std::max(last, base) : haveLast ? last : base;
+    return haveLast || haveBase;
+}
+
+bool MustChangePassword(const Entry& user) {
+    for (const std::string& v : user.Values("kvlxrImmediateChange"))
+        if (!Trim(v).empty()) return true;
+    return false;
 }
 
 AccountState WithGroupReasons(AccountState state, const std::vector<GroupMembership>& groups) {

@@ -32,6 +32,19 @@ struct AccountState {
 AccountState EvaluateAccount(const Entry& user, const Policy& policy,
                              const std::vector<GroupMembership>& groups, std::time_t now);
 
+// What the lists of users ask of the reasons and values above, so that a
+// list always agrees with the reasons a user's page shows.
+// A lockout after failed logins, or an administrator's lock on the server.
+bool IsLockout(const Text& reason);
+// The password has expired (with or without grace logins left).
+bool IsPasswordExpiry(const Text& reason);
+// When the inactivity rule counts the user's idle time from: the later of the
+// last login and the base date; false when neither is stored. `fromBase`
+// (optional) tells whether a base date is stored.
+bool LastActivity(const Entry& user, std::time_t* since, bool* fromBase = nullptr);
+// True when the user must change the password at the next login.
+bool MustChangePassword(const Entry& user);
+
 // `state` with the reasons of the disabling groups the user is a member of.
 AccountState WithGroupReasons(AccountState state, const std::vector<GroupMembership>& groups);
 

@@ -14,6 +14,7 @@
 #include "service.h"
 #include "store_factory.h"
 #include "translation.h"
+#include "user_list.h"
 
 namespace {
 
@@ -136,5 +137,31 @@ extern "C" int LXRAdminWrite(const char* identity, const char* administratorPath
         if (!s.ok()) return Fail(s, words, message, messageSize);
         PutMessage(message, messageSize, "");
         return 0;
+    });
+}
+
+extern "C" int LXRAdminList(const char* identity, const char* administratorPath,
+                            const char* listRequest, char* reply, int replySize, char* message,
+                            int messageSize, const char* language, const char* country,
+                            const char*) {
+    return Guarded(message, messageSize, [&] {
+        Translator words(language, country);
+        if (reply && replySize > 0) reply[0] = '\0';
+        std::shared_ptr<const lxrapi::Config> config;
+        Status s = lxrapi::CurrentConfig(&config);
+        std::string document;
+        int count = 0;
+        if (s.ok() && !listRequest) s = Status::BadRequest(lxrapi::Words(Say::NoListRequest));
+        if (s.ok()) {
+            lxrapi::ConfiguredStores stores(*config);
+            size_t room = replySize > 0 ? static_cast<size_t>(replySize) - 1 : 0;
+            s = lxrapi::ListUsers(*config, stores, Text(identity), Text(administratorPath),
+                                  listRequest, room, &document, &count, words);
+        }
+        if (!s.ok()) return Fail(s, words, message, messageSize);
+        int rc = PutReply(document, reply, replySize, words, message, messageSize);
+        if (rc != 0) return rc;
+        PutMessage(message, messageSize, "");
+        return count;
     });
 }

@@ -111,6 +111,42 @@ TEST_F(ApiTest, ReplyBufferLimits) {
     for (size_t i = 20; i < reply.size(); ++i) EXPECT_EQ(reply[i], kGuard);
 }
 
+// The list call keeps the boundary's rules: its count as the result, nothing
+// past either buffer, an empty reply on failure, messages in the caller's
+// language.
+TEST_F(ApiTest, ListCallKeepsTheBoundaryRules) {
+    const struct {
+        const char* request;
+        int replySize;
+        const char* language;
+        int result;
+        const char* message;
+    } cases[] = {
+        {R"(<ListRequest directory="people" list="disabled"/>)", 4096, "EN", 1, ""},
+        {R"(<ListRequest directory="people" list="disabled"/>)", 150, "EN", kBufferTooSmall,
+         "The reply of "},
+        {R"(<ListRequest directory="people" list="idle"/>)", 4096, "de", kBadRequest,
+         "Die Listenanfrage braucht das Attribut days"},
+        {nullptr, 4096, "EN", kBadRequest, "No list request was given"},
+    };
+    for (const auto& c : cases) {
+        std::vector<char> reply(c.replySize + 64, kGuard);
+        std::vector<char> message(256 + 64, kGuard);
+        std::fill(message.begin(), message.begin() + 256, '\0');
+        int rc = LXRAdminList("desk", kAdmin, c.request, reply.data(), c.replySize, message.data(),
+                              256, c.language, "", nullptr);
+        EXPECT_EQ(rc, c.result) << (c.request ? c.request : "null");
+        EXPECT_EQ(std::string(message.data()).rfind(c.message, 0), 0u) << message.data();
+        if (rc < 0) {
+            EXPECT_EQ(reply[0], '\0');
+        } else {
+            EXPECT_NE(std::string(reply.data()).find("<User name=\"bo\""), std::string::npos);
+        }
+        for (size_t i = c.replySize; i < reply.size(); ++i) EXPECT_EQ(reply[i], kGuard) << i;
+        for (size_t i = 256; i < message.size(); ++i) EXPECT_EQ(message[i], kGuard) << i;
+    }
+}
+
 TEST_F(ApiTest, MessagesAreCutToTheirBuffer) {
     EXPECT_EQ(Read("people/nobody-at-all", 4096, 10), kUserUnreadable);
     EXPECT_EQ(std::strlen(message_.data()), 9u);

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "store.h"
 #include "text.h"
 
@@ -29,6 +31,35 @@ void Entry::Set(std::string_view name, std::vector<std::string> values) {
         return;
     }
     if (!values.empty()) attributes.push_back({std::string(name), std::move(values)});
+}
+
+}  // namespace lxrapi
+
+namespace lxrapi {
+
+Status VisitByKey(StoreReader& reader, const std::vector<std::string>& dns, std::string_view base,
+                  std::string_view after, const ListVisitor& visit) {
+    std::vector<std::pair<std::string, std::string>> below;  // key, DN
+    for (const std::string& dn : dns)
+        if (IsBelow(dn, base) && DnKey(dn) > after) below.emplace_back(DnKey(dn), dn);
+    std::sort(below.begin(), below.end());
+    for (size_t i = 0; i < below.size(); ++i) {
+        if (i > 0 && below[i].first == below[i - 1].first) continue;
+        Entry e;
+        bool found = false;
+        Status s = reader.Get(below[i].second, &e, &found);
+        if (!s.ok()) return s;
+        if (found && !visit(e, below[i].first)) break;
+    }
+    return Status::OK();
+}
+
+Status StoreReader::ListUsers(const ListQuery& query, std::string_view after,
+                              const ListVisitor& visit) {
+    std::vector<std::string> dns;
+    Status s = ListDns(&dns);
+    if (!s.ok()) return s;
+    return VisitByKey(*this, dns, query.base, after, visit);
 }
 
 }  // namespace lxrapi

@@ -61,7 +61,8 @@ Status SearchDirectory(StoreProvider& stores, const DirectoryConfig& d, std::str
             }
         }
         if (*matches != 1 || before != 0) return Status::OK();
-        if (!(st = r.ServerAccountState(found->entry, &found->serverState, &found->enforced)).ok())
+        if (!(st = r.ServerAccountState(found->entry, Now(), &found->serverState, &found->enforced))
+                 .ok())
             return st;
         return LoadMemberships(r, d, found);
     });

@@ -6,6 +6,7 @@
 
 #include <mutex>
 
+#include "clock.h"
 #include "message.h"
 #include "text.h"
 
@@ -112,12 +113,29 @@ class SqliteTransaction : public StoreWriter {
     }
 
     Status Get(std::string_view dn, Entry* entry, bool* found) override {
+        return GetValues(dn, "SELECT attr, text FROM value WHERE entry = ?1 ORDER BY id", entry,
+                         found);
+    }
+
+    // The entry without the values no list rule reads and no list shows: a
+    // user under attack may hold thousands of history entries.
+    Status GetForList(std::string_view dn, Entry* entry, bool* found) {
+        return GetValues(dn,
+                         "SELECT attr, text FROM value WHERE entry = ?1 AND attr_key NOT IN "
+                         "('kvlxrloginhistory', 'kvfpslog', 'kvlxrhistory', "
+                         "'kvlxrgenerationalredirects') ORDER BY id",
+                         entry, found);
+    }
+
+    // `sql` (a literal: statements are cached by its address) reads the
+    // values of the entry ?1.
+    Status GetValues(std::string_view dn, const char* sql, Entry* entry, bool* found) {
         long long id = 0;
         Entry e;
         Status s = EntryId(dn, &id, &e.dn);
         *found = s.ok() && id != 0;
         if (!*found) return s;
-        Query q(store_, "SELECT attr, text FROM value WHERE entry = ?1 ORDER BY id");
+        Query q(store_, sql);
         if (!q.ok()) return q.status();
         q.Bind(1, id);
         while (q.Row(&s)) {
@@ -181,6 +199,30 @@ class SqliteTransaction : public StoreWriter {
         Status s;
         while (q.Row(&s)) dns->push_back(q.Text(0));
         return s;
+    }
+
+    // The candidates come from SQL over the value table, a batch at a time
+    // in DN key order after the last key seen (keyset paging), so that a
+    // page of a large directory reads what it shows and little more.
+    Status ListUsers(const ListQuery& query, std::string_view after,
+                     const ListVisitor& visit) override {
+        if (query.kind == ListKind::kSearch && query.naming.size() > 4)
+            return StoreReader::ListUsers(query, after, visit);
+        if (query.kind == ListKind::kLocked && query.maxFailures <= 0) return Status::OK();
+        std::string key(after);
+        for (;;) {
+            std::vector<std::pair<std::string, std::string>> batch;
+            Status s = ListBatch(query, key, &batch);
+            if (!s.ok()) return s;
+            for (const auto& [k, dn] : batch) {
+                Entry e;
+                bool found = false;
+                if (!(s = GetForList(dn, &e, &found)).ok()) return s;
+                if (found && !visit(e, k)) return Status::OK();
+                key = k;
+            }
+            if (batch.size() < kListBatch) return Status::OK();
+        }
     }
 
     Status ListAudit(std::string_view user, std::vector<AuditRecord>* records) override {
@@ -299,6 +341,88 @@ class SqliteTransaction : public StoreWriter {
     }
 
   private:
+    static constexpr size_t kListBatch = 200;
+
+    // One batch of (DN key, DN) of the list's candidates after `after`.
+    // ?1 the key after which to start, ?2 "," and the base's key, ?3 the
+    // batch size; the rest depend on the list.
+    Status ListBatch(const ListQuery& query, const std::string& after,
+                     std::vector<std::pair<std::string, std::string>>* batch) {
+        static constexpr const char* kAll =
+            "SELECT dn_key, dn FROM entry WHERE dn_key > ?1 "
+            "AND substr(dn_key, -length(?2)) = ?2 ORDER BY dn_key LIMIT ?3";
+#define LXR_CANDIDATES(condition)                                                 \
+    "SELECT DISTINCT e.dn_key, e.dn FROM value v JOIN entry e ON e.id = v.entry " \
+    "WHERE e.dn_key > ?1 AND substr(e.dn_key, -length(?2)) = ?2 AND " condition   \
+    " ORDER BY e.dn_key LIMIT ?3"
+        static constexpr const char* kLocked = LXR_CANDIDATES(
+            "v.attr_key IN ('kvlxrfailurecount', 'kvfpslockoutcounter') "
+            "AND CAST(v.text AS INTEGER) >= ?4");
+        // A password expires by the user's own lifetime, or by the policy's
+        // when its last change lies before ?5 (now, or the later moment
+        // asked about, less the policy's lifetime ?4).
+        static constexpr const char* kExpiry = LXR_CANDIDATES(
+            "v.attr_key = 'kvlxrlastpasswordchange' AND (EXISTS (SELECT 1 FROM value o "
+            "WHERE o.entry = e.id AND o.attr_key = 'kvlxrexpirepassworddays') "
+            "OR (?4 > 0 AND lower(v.text) < ?5))");
+        // Idle: a last login or base date, and none of them (in stamp form)
+        // on or after ?4.
+        static constexpr const char* kIdle = LXR_CANDIDATES(
+            "v.attr_key IN ('kvlxrlastlogin', 'kvlxrbasedate') AND NOT EXISTS (SELECT 1 "
+            "FROM value r WHERE r.entry = e.id AND r.attr_key IN ('kvlxrlastlogin', "
+            "'kvlxrbasedate') AND r.text GLOB '[0-9][0-9][0-9][0-9][0-9][0-9][0-9]"
+            "[0-9][0-9][0-9][0-9][0-9][0-9][0-9]Z*' AND lower(r.text) >= ?4)");
+        static constexpr const char* kMustChange =
+            LXR_CANDIDATES("v.attr_key = 'kvlxrimmediatechange' AND trim(v.text) <> ''");
+        // A naming value in [?4, ?4 + 0xff): it begins with ?4.
+        static constexpr const char* kSearch = LXR_CANDIDATES(
+            "v.attr_key IN (?5, ?6, ?7, ?8) AND lower(v.text) >= ?4 AND lower(v.text) < ?9");
+#undef LXR_CANDIDATES
+        const char* sql = kAll;
+        switch (query.kind) {
+            case ListKind::kLocked:
+                sql = kLocked;
+                break;
+            case ListKind::kExpired:
+            case ListKind::kExpiring:
+                sql = kExpiry;
+                break;
+            case ListKind::kIdle:
+                sql = kIdle;
+                break;
+            case ListKind::kMustChange:
+                sql = kMustChange;
+                break;
+            case ListKind::kSearch:
+                if (!query.start.empty()) sql = kSearch;
+                break;
+            case ListKind::kDisabled:
+                break;
+        }
+        Query q(store_, sql);
+        if (!q.ok()) return q.status();
+        q.Bind(1, after)
+            .Bind(2, "," + DnKey(query.base))
+            .Bind(3, static_cast<long long>(kListBatch));
+        if (sql == kLocked) q.Bind(4, static_cast<long long>(query.maxFailures));
+        if (sql == kExpiry) {
+            std::time_t at =
+                query.now + (query.kind == ListKind::kExpiring ? query.days * 86400 : 0);
+            q.Bind(4, static_cast<long long>(query.passwordExpireDays))
+                .Bind(5, Lower(FormatStamp(at - query.passwordExpireDays * 86400L)));
+        }
+        if (sql == kIdle) q.Bind(4, Lower(FormatStamp(query.now - query.days * 86400)));
+        if (sql == kSearch) {
+            std::string prefix = Lower(query.start);
+            q.Bind(4, prefix).Bind(9, prefix + "\xff");
+            for (size_t i = 0; i < query.naming.size(); ++i)
+                q.Bind(5 + static_cast<int>(i), Lower(query.naming[i]));
+        }
+        Status s;
+        while (q.Row(&s)) batch->emplace_back(q.Text(0), q.Text(1));
+        return s;
+    }
+
     SqliteStore& store_;
 };
 

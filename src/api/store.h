@@ -52,6 +52,36 @@ struct AuditRecord {
     std::vector<AuditChange> changes;
 };
 
+// The lists of users a helpdesk starts from (LXRAdminList).
+enum class ListKind { kLocked, kDisabled, kExpired, kExpiring, kIdle, kMustChange, kSearch };
+
+// What a list asks of a store. The store may hand out more users than
+// belong on the list (the account rules decide, the same ones that give a
+// user's disabled reasons), but never fewer: the hints say which stored
+// values can put a user on it.
+struct ListQuery {
+    ListKind kind = ListKind::kSearch;
+    std::string base;                 // the directory's users lie below it
+    std::vector<std::string> naming;  // kSearch: the attributes a name is matched against
+    std::string start;                // kSearch: the beginning of a name ("" every user)
+    std::time_t now = 0;
+    long days = 0;        // kExpiring, kIdle
+    int maxFailures = 0;  // the configured policy (the embedded store's)
+    int passwordExpireDays = 0;
+};
+
+// Receives the users of a list in the store's order, each with its position
+// (any text; the list's continuation carries it); returns false to stop.
+using ListVisitor = std::function<bool(const Entry& user, const std::string& position)>;
+
+class StoreReader;
+
+// Gets the entries of `dns` that lie below `base` and after the position
+// `after`, in DnKey order, and visits them with their key as the position:
+// the order every store but the embedded one pages by.
+Status VisitByKey(StoreReader& reader, const std::vector<std::string>& dns, std::string_view base,
+                  std::string_view after, const ListVisitor& visit);
+
 // Reading inside a transaction. All lookups compare DNs by DnKey.
 class StoreReader {
   public:
@@ -68,11 +98,20 @@ class StoreReader {
     virtual Status ListDns(std::vector<std::string>* dns) = 0;
     // The audit records, oldest first; with a non-empty `user`, only that user's.
     virtual Status ListAudit(std::string_view user, std::vector<AuditRecord>* records) = 0;
+    // The users below `query.base` that may belong on the list, each as Get
+    // gives it (a store may leave out the histories and redirects, which no
+    // list reads), in a fixed order, from the one after `after` (a position a
+    // visit received; "" from the start). The default walks every entry
+    // sorted by DnKey: enough for small stores.
+    virtual Status ListUsers(const ListQuery& query, std::string_view after,
+                             const ListVisitor& visit);
     // Why `user` (as Get gave it) cannot log in, when the store's server
     // decides that itself at every bind; `enforced` false when the API judges
     // the stored values instead (EvaluateAccount).
-    virtual Status ServerAccountState(const Entry& /*user*/, AccountState* /*state*/,
-                                      bool* enforced) {
+    // `now` is the moment judged (a list of passwords that expire soon asks
+    // about a later one).
+    virtual Status ServerAccountState(const Entry& /*user*/, std::time_t /*now*/,
+                                      AccountState* /*state*/, bool* enforced) {
         *enforced = false;
         return Status::OK();
     }

@@ -30,6 +30,8 @@ using ReadFn = int (*)(const char*, const char*, const char*, char*, int, char*,
                        const char*, const char*, const char*);
 using WriteFn = int (*)(const char*, const char*, const char*, char*, int, const char*, const char*,
                         const char*, const char*);
+using ListFn = int (*)(const char*, const char*, const char*, char*, int, char*, int, const char*,
+                       const char*, const char*);
 
 // The result the API itself gives when it cannot reach its configuration or
 // store; the caller shows it like any other API failure.
@@ -39,6 +41,9 @@ struct Library {
     GetDirectoryFn getDirectory = nullptr;
     ReadFn read = nullptr;
     WriteFn write = nullptr;
+    // Looked up on its own: a library without the list call still serves the
+    // user pages, and only the list page reports it missing.
+    ListFn list = nullptr;
     std::string error;  // why loading failed; empty when it worked
 };
 
@@ -72,7 +77,9 @@ const Library& Load() {
             l.read = nullptr;
             l.write = nullptr;
             l.error = LXRAPI_LIBRARY " lacks the administration calls";
+            return l;
         }
+        l.list = reinterpret_cast<ListFn>(dlsym(handle, "LXRAdminList"));
         return l;
     }();
     return library;
@@ -117,4 +124,21 @@ extern "C" int LXRAdminWrite(const char* identity, const char* administratorPath
     if (!api.write) return Unavailable(api, message, messageSize);
     return api.write(identity, administratorPath, updateDocument, message, messageSize, context,
                      language, country, qualifier);
+}
+
+extern "C" int LXRAdminList(const char* identity, const char* administratorPath,
+                            const char* listRequest, char* reply, int replySize, char* message,
+                            int messageSize, const char* language, const char* country,
+                            const char* qualifier) {
+    const Library& api = Load();
+    if (!api.list) {
+        if (api.error.empty()) {
+            Library missing;
+            missing.error = LXRAPI_LIBRARY " lacks the list call";
+            return Unavailable(missing, message, messageSize);
+        }
+        return Unavailable(api, message, messageSize);
+    }
+    return api.list(identity, administratorPath, listRequest, reply, replySize, message,
+                    messageSize, language, country, qualifier);
 }

@@ -8,6 +8,7 @@
 #include "cgi/response.h"
 #include "driver/api_boundary.h"
 #include "driver/command_line.h"
+#include "driver/identity.h"
 #include "driver/update_document.h"
 #include "html/errors.h"
 #include "html/output_profile.h"
@@ -31,55 +32,6 @@ constexpr const char* kTitle = "LXR Administration Service";
 
 // The API's reply; one request per process, so it can live here.
 char reply[kReplyRoom + 1];
-
-// An environment variable that is set and not empty, else null.
-const char* EnvValue(const char* name) {
-    const char* value = CKvGetEnv(name).c_str();
-    return (value && *value) ? value : nullptr;
-}
-
-// `name`, or `fallback` when `name` is unset or empty. The result may be
-// null, or empty when only the fallback is set and empty.
-const char* EnvWithFallback(const char* name, const char* fallback) {
-    const char* value = CKvGetEnv(name).c_str();
-    if (value == nullptr || *value == '\0') value = CKvGetEnv(fallback).c_str();
-    return value;
-}
-
-const char* AdministratorDN() {
-    return EnvWithFallback("HTTP_KV_USERDN", "HTTP_KVUSERDN");
-}
-
-// The administrator's own entry: HTTP_USERPATH as it stands, else
-// namespace + "//" + server + "/" + DN. False when neither can be formed.
-bool AdministratorPath(std::string& path) {
-    if (const char* userPath = EnvValue("HTTP_USERPATH")) {
-        path = userPath;
-        return true;
-    }
-    const char* space = EnvWithFallback("HTTP_KV_AUTHDIRNAMESPACE", "HTTP_KVAUTHDIRNAMESPACE");
-    if (space == nullptr || *space == '\0') return false;
-    path = space;
-    path += "//";
-    const char* server = EnvWithFallback("HTTP_KV_AUTHDIRSERVER", "HTTP_KVAUTHDIRSERVER");
-    if (server == nullptr || *server == '\0') return false;
-    path += server;
-    path += "/";
-    const char* dn = AdministratorDN();
-    if (dn) path += dn;
-    return true;
-}
-
-// "LXRAdmin=YES", with ";" and the agent's context header when it has one.
-// Built afresh for every call, as the header could differ.
-std::string AdministratorContext() {
-    std::string context = "LXRAdmin=YES";
-    if (const char* extra = EnvValue("HTTP_LXRADMINCONTEXT")) {
-        context += ";";
-        context += extra;
-    }
-    return context;
-}
 
 // The one failure exit. A message that is a URL redirects there, so that a
 // catalogue entry or the API can send any failure to a page of the site's
@@ -181,19 +133,6 @@ void ResultPage(const char* message) {
     prtFormatter.printf("</span>\n");
     prtFormatter.printf("</noscript>\n");
     HTMLFooter();
-}
-
-// True when the server named its own origin (LXR_ORIGIN) and this post comes
-// from another one: the browser says so in Sec-Fetch-Site, or sends an Origin
-// that is not ours ("null" included). A post without either header (older
-// browsers, scripts on the server) is not refused here.
-bool ForeignPost() {
-    const char* own = EnvValue("LXR_ORIGIN");
-    if (own == nullptr) return false;
-    const char* site = EnvValue("HTTP_SEC_FETCH_SITE");
-    if (site != nullptr && strcasecmp(site, "cross-site") == 0) return true;
-    const char* origin = EnvValue("HTTP_ORIGIN");
-    return origin != nullptr && strcasecmp(origin, own) != 0;
 }
 
 int PostFlow(const char* identity, const std::string& adminPath, char* message, char* status) {

@@ -4,29 +4,22 @@
 // passwords; the page shows it, "Reset to Now" is saved, and his next bind
 // with the right password succeeds.
 import assert from 'node:assert/strict';
-import { execFileSync, spawnSync } from 'node:child_process';
 import path from 'node:path';
 import { after, before, test } from 'node:test';
 import { launchBrowser, newPage } from './lib/browser.mjs';
-import { startLighttpd } from './lib/web.mjs';
+import { bind, ldapDemoConfig } from './lib/directory.mjs';
+import { SOURCE, startLighttpd } from './lib/web.mjs';
 
-const URL_ = process.env.LXR_LDAP_URL;
 const RUPERT = 'uid=rupert,ou=staff,o=example';
-
-// ldapwhoami's exit status: 0 bound, 49 refused.
-const bind = (dn, password) =>
-  spawnSync('ldapwhoami', ['-x', '-H', URL_, '-D', dn, '-w', password], { stdio: 'ignore' }).status;
 
 let server;
 let context;
 
 before(async () => {
-  const work = process.env.LXR_LDAP_WORK;
-  const source = process.env.LXR_SOURCE_DIR;
-  execFileSync(process.env.LXR_LXRDIR, ['create', path.join(work, 'audit.db')]);
+  const config = ldapDemoConfig();
   server = startLighttpd({
-    agent: path.join(source, 'web/lighttpd/demo-agent.conf'),
-    env: { LXRAPI_CONFIG: process.env.LXR_LDAP_API_CONFIG },
+    agent: path.join(SOURCE, 'web/lighttpd/demo-agent.conf'),
+    env: { LXRAPI_CONFIG: config },
   });
   context = await launchBrowser();
   context.setDefaultTimeout(15000);

@@ -6,11 +6,11 @@
 # Exit 77 (CTest: skipped) when the suite's browser or server is not there.
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
-suite=${1:?usage: run.sh headers|apache|pages|languages|attacks|ldap}
+suite=${1:?usage: run.sh headers|apache|pages|languages|attacks|ldap|list}
 
 skip() { echo "SKIP: $* (install with: LXR_WITH_BROWSER=1 bash scripts/deps.sh)"; exit 77; }
 case $suite in
-  pages|languages|attacks|ldap) [ -x "${LXR_CHROMIUM:-/usr/bin/chromium}" ] || skip "Chromium is not installed" ;;
+  pages|languages|attacks|ldap|list) [ -x "${LXR_CHROMIUM:-/usr/bin/chromium}" ] || skip "Chromium is not installed" ;;
   apache) command -v apache2 >/dev/null || [ -x /usr/sbin/apache2 ] || skip "apache2 is not installed" ;;
   headers) ;;
   *) echo "unknown suite: $suite" >&2; exit 2 ;;

@@ -22,9 +22,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Texts of this tree go into HTML and into single-quoted script strings as
-// they stand; the other trees go to the console.
-const char kPageTree[] = "LXRAdmin";
+// Texts of these trees go into HTML (and, for LXRAdmin, into single-quoted
+// script strings) as they stand; the other trees go to the console.
+bool IsPageTree(const std::string& tree) {
+    return tree == "LXRAdmin" || tree == "LXRList";
+}
 
 // The texts formatted with arguments: how many the program passes and the
 // English default, whose placeholders a translation must keep. KV-LXR-12067
@@ -39,6 +41,8 @@ const Formatted kFormatted[] = {
     {"KV-LXR-12067", 1, "Unknown return from API (%0)"},
     {"KV-LXR-12152_20", 2, " Error {1} returned.\nMessage: {0}"},
     {"KV-LXR-12153", 3, "Unable to open: {0} ({2})\n       Message: {1}"},
+    {"KV-LXR-13020", 1, "{0} users on this page."},
+    {"KV-LXR-13036", 1, "The value of {0} cannot be used."},
 };
 
 // Status lines go into the response header: ASCII, the code first.
@@ -83,7 +87,7 @@ bool IsEntity(const std::string& text, size_t at) {
 std::vector<std::string> Problems(const std::string& tree, const std::string& key,
                                   const std::string& text) {
     std::vector<std::string> found;
-    const bool page = tree == kPageTree;
+    const bool page = IsPageTree(tree);
     if (text.empty()) found.push_back("empty text");
     for (size_t i = 0; i < text.size(); ++i) {
         unsigned char c = static_cast<unsigned char>(text[i]);

@@ -68,14 +68,32 @@ policy_count() { # the per-user policies the API has made
         -b "$user_policies" -s one "(objectClass=pwdPolicy)" 1.1 2>/dev/null | grep -c '^dn:'
 }
 now() { date -u +%Y%m%d%H%M%SZ; }
+locked_page() { # SIZE CONTINUATION: one page of the staff's locked list
+    "$lxrdir" list helpdesk "$lead" \
+        "<ListRequest directory=\"staff\" list=\"locked\" size=\"$1\" continuation=\"$2\"/>" 2>/dev/null
+}
+names() { sed -n 's|^<User name="\([^"]*\)".*|\1|p'; }
+locked_by_ones() { # the locked list walked one user a page
+    local continuation='' page
+    for _ in $(seq 50); do
+        page=$(locked_page 1 "$continuation")
+        echo "$page" | names
+        continuation=$(echo "$page" | sed -n 's|^<UserList .*continuation="\([^"]*\)".*|\1|p')
+        [ -n "$continuation" ] || return
+    done
+}
 
 # Wrong passwords count and lock; "Reset to Now" lets the user in again.
 for _ in 1 2 3 4 5; do bind alice wrong >/dev/null; done
 check "five failed binds are counted" 5 "$(value alice kvlxrFailureCount | cut -d' ' -f1)"
 check "the lockout is a disabled reason" "Locked after 5 failed logins" "$(disabled alice)"
 check "the locked user's right password is refused" 49 "$(bind alice)"
+check "the locked list names her" alice "$(locked_page 1000 '' | names | grep -x alice)"
+check "a page of one user at a time gives the same list" "$(locked_page 1000 '' | names)" \
+    "$(locked_by_ones)"
 check "reset to now is written" 0 "$(write alice "$(attribute kvlxrFailureCount "0 $(now)")")"
 check "after the reset the right password works" 0 "$(bind alice)"
+check "and she has left the locked list" "" "$(locked_page 1000 '' | names | grep -x alice)"
 check "and no failures are shown" "" "$(value alice kvlxrFailureCount)"
 
 # Forever, also when the same post resets the password.

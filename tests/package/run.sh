@@ -69,6 +69,7 @@ sed 's/^/lintian: /' "$RUN/lintian.log"
 dpkg_retry -i "$OUT"/*.deb >/dev/null || fail "dpkg -i"
 multiarch=$(dpkg-architecture -q DEB_HOST_MULTIARCH)
 for f in /usr/lib/cgi-bin/lxradmin/LXRAdmin /usr/lib/cgi-bin/lxradmin/catalogue/LXRAdmin/de.res \
+         /usr/lib/cgi-bin/lxradmin/LXRList /usr/lib/cgi-bin/lxradmin/catalogue/LXRList/de.res \
          "/usr/lib/$multiarch/libLXRAPI.so.0" /usr/sbin/lxrdir /usr/include/lxrapi.h \
          /usr/share/lxradmin/images/Disabled.gif /etc/lxradmin/lxrapi.toml \
          /etc/lxradmin/agents.map /etc/lxradmin/htpasswd /etc/apache2/conf-enabled/lxradmin.conf \
@@ -76,12 +77,16 @@ for f in /usr/lib/cgi-bin/lxradmin/LXRAdmin /usr/lib/cgi-bin/lxradmin/catalogue/
   [ -e "$f" ] || fail "not installed: $f"
 done
 [ "$(stat -c %U "$STATE")" = www-data ] || fail "$STATE is not owned by www-data"
+[ "$(stat -c '%U %a %s' "$STATE/list.secret")" = "www-data 600 48" ] ||
+  fail "the list page's secret: $(stat -c '%U %a %s' "$STATE/list.secret")"
 [ "$(pkg-config --modversion lxrapi)" = "$(dpkg-query -W -f='${Version}' lxradmin)" ] ||
   fail "pkg-config lxrapi does not give the package's version"
 mapfile -t installed < <(dpkg -L "${PACKAGES[@]}" | sort -u | while read -r f; do [ -f "$f" ] && echo "$f"; done)
 leaks=$(grep -l -F -e "$SOURCE" -e "$OUT" "${installed[@]}" || true)
 [ -z "$leaks" ] || fail "build paths in installed files: $leaks"
-readelf -d /usr/lib/cgi-bin/lxradmin/LXRAdmin | grep -q 'RUNPATH\|RPATH' && fail "LXRAdmin keeps a run path"
+for exe in LXRAdmin LXRList; do
+  readelf -d "/usr/lib/cgi-bin/lxradmin/$exe" | grep -q 'RUNPATH\|RPATH' && fail "$exe keeps a run path"
+done
 for page in LXRAdmin lxrdir lxrapi.toml; do
   man -w "$page" >/dev/null || fail "man $page does not answer"
 done
@@ -137,6 +142,13 @@ for text in '<title>LXR Administration Service' \
             '../korvelagent/dmspages/Disabled.gif'; do
   grep -qF "$text" "$RUN/body" || fail "display page lacks: $text"
 done
+# The list page beside it: the same login, its own form, a token for the bulk form.
+[ "$(get "$base/cgi-bin/LXRList")" = 401 ] || fail "the list page asks no login"
+[ "$(get -u hanna:secret -H 'Accept-Language: de' "$base/cgi-bin/LXRList")" = 200 ] ||
+  fail "list page: $(head -c 400 "$RUN/body"; tail -5 "$RUN/logs/error.log")"
+grep -qF '<option value="staff">Example Corp Staff</option>' "$RUN/body" ||
+  fail "list page lacks the directories: $(head -c 400 "$RUN/body")"
+grep -qF 'Konten, die Aufmerksamkeit brauchen' "$RUN/body" || fail "list page not in German"
 [ "$(get -u hanna:secret "$base/korvelagent/dmspages/Disabled.gif")" = 200 ] &&
   cmp -s "$RUN/body" /usr/share/lxradmin/images/Disabled.gif || fail "picture not served"
 

@@ -1,6 +1,7 @@
 /*
- * The password-services administration API: three calls that exchange small
- * XML documents with the directory.
+ * The password-services administration API: calls that exchange small XML
+ * documents with the directory. Three serve the one-user page; LXRAdminList
+ * serves the lists of users that need attention.
  *
  * Buffers: the caller owns every buffer. `reply` receives a zero-terminated
  * document of at most replySize - 1 bytes; `message` (zero-filled by the
@@ -8,7 +9,7 @@
  * bytes. Nothing is ever written past replySize or messageSize.
  *
  * Results: 0 or more is success (LXRAdminRead: the number of attributes in
- * the reply); negative values are failures:
+ * the reply; LXRAdminList: the number of users in it); negative values are failures:
  *   -1 access denied, -2 administrator entry unreadable, -3 user entry
  *   unreadable, -4 bad request format, -5 update failed, -6 reply buffer too
  *   small, -7 configuration or store unreachable.
@@ -35,6 +36,23 @@ LXRAPI_EXPORT int LXRAdminWrite(const char* identity, const char* administratorP
                                 const char* updateDocument, char* message, int messageSize,
                                 const char* context, const char* language, const char* country,
                                 const char* qualifier);
+
+/*
+ * One bounded page of the users of one directory that are on a list, or
+ * whose name starts with a prefix. listRequest:
+ *   <ListRequest directory="ID" list="locked|disabled|expired|expiring|idle|mustchange|search"
+ *                days="N" start="PREFIX" size="N" continuation="TOKEN"/>
+ * reply:
+ *   <UserList directory="ID" list="..." continuation="TOKEN or empty" writable="NAMES">
+ *   <User name="..." dn="..." userPath="ID/DN" lastLogin="..." failures="N"><Reason>...</Reason></User>
+ *   </UserList>
+ * The continuation of a reply fetches the next page; empty means the list
+ * is complete. docs/api.md gives every rule of both documents.
+ */
+LXRAPI_EXPORT int LXRAdminList(const char* identity, const char* administratorPath,
+                               const char* listRequest, char* reply, int replySize, char* message,
+                               int messageSize, const char* language, const char* country,
+                               const char* qualifier);
 
 #ifdef __cplusplus
 }

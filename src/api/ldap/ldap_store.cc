@@ -7,6 +7,7 @@
 
 #include "clock.h"
 #include "ldap/ldap_connection.h"
+#include "ldap/ldap_list.h"
 #include "ldap/ldap_text.h"
 #include "ldap/policy_override.h"
 #include "ldap/server_policy.h"
@@ -79,7 +80,8 @@ class LdapTransaction : public StoreWriter {
         return Status::OK();
     }
 
-    Status ServerAccountState(const Entry& user, AccountState* state, bool* enforced) override {
+    Status ServerAccountState(const Entry& user, std::time_t now, AccountState* state,
+                              bool* enforced) override {
         *enforced = serverPolicy();
         if (!*enforced) return Status::OK();
         std::string dn = user.First("pwdPolicySubentry");
@@ -88,7 +90,7 @@ class LdapTransaction : public StoreWriter {
         Status s = Fetch(dn, &policy);
         if (!s.ok()) return s;
         *state = EvaluateServerAccount(
-            user, ReadServerPolicy(policy->exists ? &policy->current : nullptr, dn), Now());
+            user, ReadServerPolicy(policy->exists ? &policy->current : nullptr, dn), now);
         return Status::OK();
     }
 
@@ -143,6 +145,20 @@ class LdapTransaction : public StoreWriter {
             return s;
         for (const Entry& e : found) *result = *result || DnKey(e.dn) == DnKey(group);
         return Status::OK();
+    }
+
+    // The server finds the candidates by a filter on the attributes that can
+    // put a user on the list; pages follow each other by DN key.
+    Status ListUsers(const ListQuery& query, std::string_view after,
+                     const ListVisitor& visit) override {
+        std::string filter;
+        Status s = ListFilter(query, serverPolicy(), &filter);
+        std::vector<Entry> found;
+        if (s.ok()) s = ldap_.Search(query.base, filter, {}, &found);
+        if (!s.ok()) return s;
+        std::vector<std::string> dns;
+        for (const Entry& e : found) dns.push_back(e.dn);
+        return VisitByKey(*this, dns, query.base, after, visit);
     }
 
     Status ListDns(std::vector<std::string>* dns) override {

@@ -230,6 +230,45 @@ TEST_F(LdapApiTest, ReadsAnswerAsTheEmbeddedStoreDoes) {
     EXPECT_EQ(Read("staff/Sam Smith").message, "2 users match 'Sam Smith'; name one by its DN");
 }
 
+// The server's filters find the same users as the embedded store's SQL, and
+// a continuation leads on alike (users nobody changes: LXR_NOW is fixed).
+TEST_F(LdapApiTest, ListsAnswerAsTheEmbeddedStoreDoes) {
+    auto list = [](const std::string& request) {
+        Call c;
+        std::vector<char> reply(65536), message(1024);
+        c.rc = LXRAdminList("helpdesk", kLead, request.c_str(), reply.data(), 65535, message.data(),
+                            1024, "EN", "US", nullptr);
+        c.reply = reply.data();
+        c.message = message.data();
+        return c;
+    };
+    for (const char* attributes :
+         {R"(list="locked")", R"(list="expired")", R"(list="idle" days="60")",
+          R"(list="expiring" days="400")", R"(list="mustchange")", R"(list="search" start="s")"}) {
+        std::string request =
+            std::string("<ListRequest directory=\"partners\" ") + attributes + "/>";
+        auto [embedded, ldap] = Both([&] { return list(request); });
+        EXPECT_EQ(ldap, embedded) << attributes;
+        EXPECT_GE(ldap.rc, 0) << attributes;
+    }
+    // Page by page through the staff directory's users named "s...".
+    std::string continuation;
+    int pages = 0, users = 0;
+    do {
+        std::string request =
+            R"(<ListRequest directory="staff" list="search" start="s" size="2" continuation=")" +
+            continuation + R"("/>)";
+        auto [embedded, ldap] = Both([&] { return list(request); });
+        ASSERT_EQ(ldap, embedded) << "page " << pages;
+        ASSERT_GE(ldap.rc, 0) << ldap.message;
+        users += ldap.rc;
+        size_t at = ldap.reply.find("continuation=\"") + 14;
+        continuation = ldap.reply.substr(at, ldap.reply.find('"', at) - at);
+    } while (!continuation.empty() && ++pages < 10);
+    EXPECT_EQ(users, 3);  // sam.smith1, sam.smith2, sybil
+    EXPECT_EQ(pages, 1);
+}
+
 TEST_F(LdapApiTest, AWriteIsAppliedAuditedAndReadsBackAsTheEmbeddedStoreDoes) {
     const std::string judy = Dn("judy");
     auto [embedded, ldap] = Both([&] {

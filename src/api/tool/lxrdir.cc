@@ -32,6 +32,7 @@ constexpr const char* kUsage =
     "  directories ROLE               show the role's directory list through the API\n"
     "  read ROLE ADMINPATH USERPATH   show a user document through the API\n"
     "  write ROLE ADMINPATH FILE      apply an update document through the API\n"
+    "  list ROLE ADMINPATH REQUEST    show a page of a list of users through the API\n"
     "The API commands read the configuration named by LXRAPI_CONFIG (else ./lxrapi.toml).\n";
 
 constexpr int kReplySize = 65536;
@@ -176,6 +177,24 @@ int Read(const std::vector<std::string>& args) {
     return Report(rc, message.data());
 }
 
+int List(const std::vector<std::string>& args) {
+    if (args.size() < 3) return Usage("list takes ROLE ADMINPATH REQUEST");
+    // The request's words may come as arguments of their own.
+    std::string request = args[2];
+    for (size_t i = 3; i < args.size(); ++i) request += " " + args[i];
+    // Room for a page of the largest size, so that the size decides.
+    constexpr int kListReplySize = 1 << 20;
+    std::vector<char> reply(kListReplySize), message(kMessageSize);
+    int rc = LXRAdminList(args[0].c_str(), args[1].c_str(), request.c_str(), reply.data(),
+                          kListReplySize - 1, message.data(), kMessageSize, "EN", "US", nullptr);
+    if (rc >= 0) {
+        std::fputs(reply.data(), stdout);
+        std::fflush(stdout);
+        std::fprintf(stderr, "lxrdir: %d users\n", rc);
+    }
+    return Report(rc, message.data());
+}
+
 int Write(const std::vector<std::string>& args) {
     if (args.size() != 3) return Usage("write takes ROLE ADMINPATH FILE");
     std::ifstream in(args[2], std::ios::binary);
@@ -207,5 +226,6 @@ int main(int argc, char** argv) {
     if (command == "directories") return Directories(args);
     if (command == "read") return Read(args);
     if (command == "write") return Write(args);
+    if (command == "list") return List(args);
     return Usage(("unknown command \"" + command + "\"").c_str());
 }

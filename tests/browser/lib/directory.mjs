@@ -1,7 +1,7 @@
 // The demo directory of a test run: created by web/make-demo.sh, restored
 // from a pristine copy before each scenario, and read back with `lxrdir` to
 // prove what a post changed (and that nothing else did).
-import { execFileSync } from 'node:child_process';
+import { execFileSync, spawnSync } from 'node:child_process';
 import fs from 'node:fs';
 import path from 'node:path';
 import { LXRDIR, SOURCE, tempDir } from './web.mjs';
@@ -84,3 +84,17 @@ export function changes(before, after) {
   }
   return out;
 }
+
+// The API's configuration for the LDAP demo that tests/ldap/run.sh --ppolicy
+// started (LXR_LDAP_*): the server's password policy holds the users' state,
+// the audit trail goes to a store in the run's folder. Returns its path.
+export function ldapDemoConfig() {
+  const work = process.env.LXR_LDAP_WORK;
+  execFileSync(LXRDIR, ['create', path.join(work, 'audit.db')]);
+  return process.env.LXR_LDAP_API_CONFIG;
+}
+
+// ldapwhoami's exit status against the LDAP demo: 0 bound, 49 refused.
+export const bind = (dn, password) =>
+  spawnSync('ldapwhoami', ['-x', '-H', process.env.LXR_LDAP_URL, '-D', dn, '-w', password],
+    { stdio: 'ignore' }).status;
