@@ -7,6 +7,7 @@
 
 #include "cgi/fields.h"
 #include "html/testing/capture.h"
+#include "platform/text.h"
 
 namespace {
 

@@ -10,7 +10,6 @@
 #include "driver/command_line.h"
 #include "driver/update_document.h"
 #include "html/errors.h"
-#include "html/output_profile.h"
 #include "html/page.h"
 #include "i18n/language.h"
 #include "i18n/negotiate.h"
@@ -18,7 +17,9 @@
 #include "pages/user_selection.h"
 #include "platform/env.h"
 #include "platform/formatter.h"
+#include "platform/output_profile.h"
 #include "platform/system.h"
+#include "platform/text.h"
 
 namespace {
 
@@ -31,12 +32,6 @@ constexpr const char* kTitle = "LXR Administration Service";
 
 // The API's reply; one request per process, so it can live here.
 char reply[kReplyRoom + 1];
-
-// An environment variable that is set and not empty, else null.
-const char* EnvValue(const char* name) {
-    const char* value = CKvGetEnv(name).c_str();
-    return (value && *value) ? value : nullptr;
-}
 
 // `name`, or `fallback` when `name` is unset or empty. The result may be
 // null, or empty when only the fallback is set and empty.
@@ -53,7 +48,7 @@ const char* AdministratorDN() {
 // The administrator's own entry: HTTP_USERPATH as it stands, else
 // namespace + "//" + server + "/" + DN. False when neither can be formed.
 bool AdministratorPath(std::string& path) {
-    if (const char* userPath = EnvValue("HTTP_USERPATH")) {
+    if (const char* userPath = EnvText("HTTP_USERPATH")) {
         path = userPath;
         return true;
     }
@@ -74,7 +69,7 @@ bool AdministratorPath(std::string& path) {
 // Built afresh for every call, as the header could differ.
 std::string AdministratorContext() {
     std::string context = "LXRAdmin=YES";
-    if (const char* extra = EnvValue("HTTP_LXRADMINCONTEXT")) {
+    if (const char* extra = EnvText("HTTP_LXRADMINCONTEXT")) {
         context += ";";
         context += extra;
     }
@@ -146,13 +141,9 @@ void ResultPage(const char* message) {
     std::string returnQuery = ReturnQuery();
     const char* returnTo = CKvGetEnv("HTTP_RETURNTO").c_str();
 
-    prtFormatter.printf("<SCRIPT LANGUAGE=\"JavaScript\">\n");
-    prtFormatter.printf("<!--\n");
-    prtFormatter.printf("      alert(\"%s\");\n", OutScript(message));
     std::string address;
-    if (HasArg("CLOSE")) {
-        prtFormatter.printf("      window.close();\n");
-    } else {
+    std::string navigate = "window.close();";
+    if (!HasArg("CLOSE")) {
         if (returnTo && *returnTo) {
             address = returnTo;
         } else if (HasArg("CancelTo")) {
@@ -163,23 +154,15 @@ void ResultPage(const char* message) {
             address += returnQuery;
         }
         address = OutAddress(address);
-        if (address.empty()) {
-            prtFormatter.printf("      window.history.back();\n");
-        } else {
-            prtFormatter.printf("      window.location = '%s';\n", OutScript(address));
-        }
+        navigate = address.empty() ? "window.history.back();"
+                                   : "window.location = '" + OutScript(address) + "';";
     }
-    prtFormatter.printf("//-->\n");
-    prtFormatter.printf("</SCRIPT>\n");
-    prtFormatter.printf("<noscript>\n");
-    prtFormatter.printf("<span align=\"center\">\n");
-    prtFormatter.printf("<h1>%s</h1><br>\n", OutText(message));
-    if (!address.empty()) {
+    if (address.empty()) {
+        AlertAndNavigate(message, navigate.c_str(), nullptr, nullptr);
+    } else {
         Lang->Translate(text, sizeof text, "KV-LXR-12012", "Click here to continue.");
-        prtFormatter.printf("<a href=\"%s\">%s</a>\n", OutAttr(address), text);
+        AlertAndNavigate(message, navigate.c_str(), OutAttr(address).c_str(), text);
     }
-    prtFormatter.printf("</span>\n");
-    prtFormatter.printf("</noscript>\n");
     HTMLFooter();
 }
 
@@ -188,11 +171,11 @@ void ResultPage(const char* message) {
 // that is not ours ("null" included). A post without either header (older
 // browsers, scripts on the server) is not refused here.
 bool ForeignPost() {
-    const char* own = EnvValue("LXR_ORIGIN");
+    const char* own = EnvText("LXR_ORIGIN");
     if (own == nullptr) return false;
-    const char* site = EnvValue("HTTP_SEC_FETCH_SITE");
+    const char* site = EnvText("HTTP_SEC_FETCH_SITE");
     if (site != nullptr && strcasecmp(site, "cross-site") == 0) return true;
-    const char* origin = EnvValue("HTTP_ORIGIN");
+    const char* origin = EnvText("HTTP_ORIGIN");
     return origin != nullptr && strcasecmp(origin, own) != 0;
 }
 
@@ -268,7 +251,7 @@ int KvMainEnvUTF8(int argc, char** argv, char** /*envp*/) {
                     status);
     }
     ParseQueryString(query);
-    const char* identity = EnvValue("HTTP_LXRADMIN");
+    const char* identity = EnvText("HTTP_LXRADMIN");
     if (identity == nullptr) {
         return Fail("KV-LXR-15007", "Missing administrator information (from Active Expression).",
                     message, status);

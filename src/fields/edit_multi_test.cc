@@ -31,8 +31,8 @@ TEST_F(EditMultiTest, HistoryShowsEntriesAndOneClearBox) {
         "<br><span class=\"INNERPROMPT\"><INPUT TYPE=\"CHECKBOX\" NAME=\"H\" VALUE=\"YES\">"
         "Clear</span>\n");
     ASSERT_EQ(OutputFields.size(), 1u);
-    EXPECT_EQ(OutputFields[0]->name, "H");
-    EXPECT_EQ(OutputFields[0]->value, "0");
+    EXPECT_EQ(OutputFields[0].name, "H");
+    EXPECT_EQ(OutputFields[0].value, "0");
     EXPECT_EQ(DataMoves, Lines{"if (document.DisplayForm.elements['H'].checked)\n"
                                "        document.PostForm.elements['H'].value = '1';\n"
                                "    else\n"

@@ -28,6 +28,7 @@ inline void SetZone(const char* zone) {
 class FieldsTest : public ::testing::Test {
   protected:
     void SetUp() override {
+        ResetRequestState();
         SetZone("UTC");
         if (English() == nullptr) English() = GetLanguage("LXRAdmin", "", nullptr, false);
         Lang = English();
@@ -47,7 +48,6 @@ class FieldsTest : public ::testing::Test {
     }
 
     static void ClearLists() {
-        for (OUTPUTFIELD* field : OutputFields) delete field;
         OutputFields.clear();
         DataEdits.clear();
         DataMoves.clear();

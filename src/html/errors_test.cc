@@ -15,11 +15,9 @@ namespace {
 class ErrorPageTest : public ::testing::Test {
   protected:
     void SetUp() override {
+        ResetRequestState();
         lxrtest::UseDefaultTranslators();
-        bOutputHTTPHeader = false;
-        bOutputHTMLHeader = false;
         charsetUsed = "UTF-8";
-        Args.clear();
     }
 };
 

@@ -9,9 +9,9 @@
 #include <fstream>
 #include <string>
 
-#include "fields/field_model.h"
 #include "html/testing/capture.h"
 #include "html/testing/translators.h"
+#include "state/request_state.h"
 
 namespace {
 
@@ -30,8 +30,8 @@ class PageTest : public ::testing::Test {
         ASSERT_NE(::getcwd(cwd, sizeof cwd), nullptr);
         oldDir_ = cwd;
         ASSERT_EQ(::chdir(dir_.c_str()), 0);
+        ResetRequestState();
         lxrtest::UseDefaultTranslators();
-        bOutputHTMLHeader = false;
         Now = kRequestTime;
         tagDisabled = "User will not be able to login";
     }

@@ -31,26 +31,22 @@ TEST_F(SectionGroupTest, SectionRows) {
          "<tr><td class=\"SECTIONBOX\" colspan=\"3\">\n<hr class=\"INTERSECTION\">\n</td></tr>\n"},
     };
     for (const Case& c : cases) {
-        bNewSection = false;
         const char* cursor = c.text;
         bool ok = false;
         std::string out = Capture([&] { ok = ProcessSection(cursor); });
         EXPECT_TRUE(ok) << c.text;
         EXPECT_EQ(*cursor, '>') << c.text;
         EXPECT_EQ(out, c.html) << c.text;
-        EXPECT_TRUE(bNewSection) << c.text;
     }
 }
 
 TEST_F(SectionGroupTest, MalformedElementsWriteNothing) {
     const char* texts[] = {"/>", "name=\"s\" name=\"t\">", "name=\"s\"", "read=\"true\">"};
     for (const char* text : texts) {
-        bNewSection = false;
         const char* cursor = text;
         bool ok = true;
         EXPECT_EQ(Capture([&] { ok = ProcessSection(cursor); }), "") << text;
         EXPECT_FALSE(ok) << text;
-        EXPECT_FALSE(bNewSection) << text;
     }
     const char* groups[] = {"name=\"g\">", "member=\"maybe\"/>", "read=\"true\" read=\"true\"/>",
                             "name=\"g\""};

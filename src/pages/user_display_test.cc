@@ -74,15 +74,6 @@ TEST_F(UserDisplayTest, Buttons) {
     }
 }
 
-TEST_F(UserDisplayTest, NewSectionFlag) {
-    Page("<User name=\"u\"><Section name=\"s\"></Section></User>");
-    EXPECT_TRUE(bNewSection);
-    ResetPageGlobals();
-    Page(
-        "<User name=\"u\"><Section name=\"s\"><Attribute name=\"a\"></Attribute></Section></User>");
-    EXPECT_FALSE(bNewSection);
-}
-
 // The 503 page with the rows after it is a whole-program case; a catalogue
 // text that is an address sends the browser there instead.
 TEST_F(UserDisplayTest, NothingToShowMayRedirect) {

@@ -20,6 +20,7 @@
 #include "i18n/bundle.h"
 #include "i18n/language.h"
 #include "pages/user_display.h"
+#include "state/request_state.h"
 
 namespace pagestest {
 
@@ -60,15 +61,7 @@ inline void UseCatalogue(const Catalogue& texts) {
 }
 
 inline void ResetPageGlobals() {
-    Args.clear();
-    for (OUTPUTFIELD* field : OutputFields) delete field;
-    OutputFields.clear();
-    DataEdits.clear();
-    DataMoves.clear();
-    DisabledReason.clear();
-    bNewSection = true;
-    bOutputHTTPHeader = false;
-    bOutputHTMLHeader = false;
+    ResetRequestState();
     charsetUsed = "UTF-8";
     tagDisabled = "DISABLED-TAG";
     tagRedisable = "REDISABLE-TAG";
@@ -91,7 +84,7 @@ class PagesTest : public ::testing::Test {
     // The hidden fields collected so far, as "name=value" lines.
     static std::string Fields() {
         std::string out;
-        for (const OUTPUTFIELD* f : OutputFields) out += f->name + "=" + f->value + "\n";
+        for (const OUTPUTFIELD& f : OutputFields) out += f.name + "=" + f.value + "\n";
         return out;
     }
 
