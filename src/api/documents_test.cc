@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "document_checker.h"
+#include "document_checker_test_support.h"
 
 namespace lxrapi {
 namespace {
@@ -94,32 +94,6 @@ TEST(DocumentsTest, DirectoryListCarriesIdentifiersAsText) {
     EXPECT_EQ(list[1].second, "p2");  // no trailing blank or line end in the identifier
     ASSERT_TRUE(checker.ReadDirectories(WriteDirectoryList({}), &list));
     EXPECT_TRUE(list.empty());
-}
-
-// The checker itself must refuse what the program's reader refuses.
-TEST(DocumentsTest, CheckerRefusesMalformedDocuments) {
-    const char* bad[] = {
-        "<User name = \"x\"></User>",
-        "<User name=\"\"></User>",
-        "<User name=\"x\"><Attribute name=\"a\" read=\"TRUE\"></Attribute></User>",
-        "<User name=\"x\"><Attribute name=\"a\" read=\"true\" read=\"true\"></Attribute></User>",
-        "<User name=\"x\"><Attribute name=\"a\"/></User>",
-        "<User name=\"x\"><Group name=\"g\" member=\"maybe\"/></User>",
-        "<User name=\"x\"><Group name=\"g\"></User>",
-        "<User name=\"x\"><Section name=\"s\"><Section name=\"t\"></Section></User>",
-        "<User name=\"x\"><Section/></User>",
-        "<User name=\"x\"></User>trailing",
-    };
-    testing::DocumentChecker checker;
-    testing::CheckedUser user;
-    for (const char* text : bad) EXPECT_FALSE(checker.ReadUser(text, &user)) << text;
-    EXPECT_TRUE(
-        checker.ReadUser("<User name=\" x\"><Attribute read=\" true \"><Value>  5 "
-                         "</Value></Attribute></User>",
-                         &user))
-        << checker.error;
-    EXPECT_EQ(user.name, "x");
-    EXPECT_EQ(user.attributes[0].values[0], "5 ");
 }
 
 }  // namespace

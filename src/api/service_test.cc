@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "document_checker.h"
+#include "document_checker_test_support.h"
 #include "password.h"
 #include "test_support.h"
 
