@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/env.h"
+#include "platform/output_profile.h"
 
 FieldMap Args;
 FieldMap PostData;
@@ -66,4 +67,5 @@ void ResetRequestState() {
     }
     Now = 0;
     DisabledReason.clear();
+    SetStrictOutput(false);
 }

@@ -105,6 +105,7 @@ extern std::string DisabledReason;
 extern const char* Qualifier;
 
 // Puts every variable above back as it is at process start (Qualifier is
-// never assigned and stays null). For tests, which serve many requests in one
-// process. The translators are not freed: whoever installed them owns them.
+// never assigned and stays null), and the output profile to the default one.
+// For tests, which serve many requests in one process. The translators are
+// not freed: whoever installed them owns them.
 void ResetRequestState();
