@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "lxrapi.h"
 #include "translation.h"
 
 namespace lxrapi {
@@ -13,14 +14,14 @@ namespace lxrapi {
 // The API's result codes; every failure inside the library carries one of
 // these, so that the C boundary can return it unchanged.
 enum Code : int {
-    kOk = 0,
-    kAccessDenied = -1,
-    kAdminUnreadable = -2,
-    kUserUnreadable = -3,
-    kBadRequest = -4,
-    kUpdateFailed = -5,
-    kBufferTooSmall = -6,
-    kUnreachable = -7,
+    kOk = LXRAPI_OK,
+    kAccessDenied = LXRAPI_ACCESS_DENIED,
+    kAdminUnreadable = LXRAPI_ADMIN_UNREADABLE,
+    kUserUnreadable = LXRAPI_USER_UNREADABLE,
+    kBadRequest = LXRAPI_BAD_REQUEST,
+    kUpdateFailed = LXRAPI_UPDATE_FAILED,
+    kBufferTooSmall = LXRAPI_BUFFER_TOO_SMALL,
+    kUnreachable = LXRAPI_UNREACHABLE,
 };
 
 class Status {

@@ -5,16 +5,12 @@
 #include <cstring>
 #include <vector>
 
-#include "html/output_profile.h"
 #include "platform/console.h"
 #include "platform/env.h"
 #include "platform/formatter.h"
+#include "platform/output_profile.h"
 #include "platform/utf8.h"
-
-// Both maps are filled once per request by the driver (ParseQueryString for
-// Args, GetFields for PostData) before any page is written; pages only read.
-FieldMap Args;
-FieldMap PostData;
+#include "state/request_state.h"
 
 namespace {
 
@@ -29,11 +25,8 @@ int HexValue(char c) {
 // The environment variable `preferred`, or `fallback` when the first is
 // unset or empty. Null when neither holds text.
 const char* EnvEither(const char* preferred, const char* fallback) {
-    CKvGetEnv env(preferred);
-    if (env.c_str() != nullptr && *env.c_str() != '\0') return env.c_str();
-    env.set(fallback);
-    if (env.c_str() != nullptr && *env.c_str() != '\0') return env.c_str();
-    return nullptr;
+    const char* value = EnvText(preferred);
+    return value != nullptr ? value : EnvText(fallback);
 }
 
 // The declared body length: leading blanks, an optional sign and the digits

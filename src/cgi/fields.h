@@ -2,25 +2,9 @@
 // two URL codings the rest of the program uses.
 #pragma once
 
-#include <strings.h>
-
-#include <map>
 #include <string>
 
-// Orders field names without regard to case (despite its name it is a
-// less-than), so "Password" and "PASSWORD" are one field.
-struct my_equal {
-    bool operator()(const std::string& a, const std::string& b) const {
-        return strcasecmp(a.c_str(), b.c_str()) < 0;
-    }
-};
-
-using FieldMap = std::map<std::string, std::string, my_equal>;
-
-// Query arguments; filled once per request by ParseQueryString.
-extern FieldMap Args;
-// Posted form fields; filled once per request by GetFields.
-extern FieldMap PostData;
+#include "state/request_state.h"
 
 // Largest request body read, in bytes (1 MiB). The declared CONTENT_LENGTH is
 // trusted only up to this: a longer one is cut to it, a negative or

@@ -7,15 +7,11 @@
 #include <map>
 
 #include "cgi/fields.h"
-#include "html/output_profile.h"
 #include "platform/env.h"
 #include "platform/formatter.h"
+#include "platform/output_profile.h"
 #include "platform/utf8.h"
-
-// Set once by SetCharSet before the first header; empty until then.
-std::string charsetUsed;
-// Set by the first HTTPHeader; never cleared.
-bool bOutputHTTPHeader = false;
+#include "state/request_state.h"
 
 namespace {
 
@@ -140,10 +136,4 @@ int SortAcceptHeader(std::string& header, std::vector<std::string>& result) {
         if (entry.first > 0) result.push_back(entry.second);
     }
     return 1;
-}
-
-bool IsURL(const char* text) {
-    if (text == nullptr || *text == '\0') return false;
-    return text[0] == '/' || std::strncmp(text, "http:", 5) == 0 ||
-           std::strncmp(text, "https:", 6) == 0;
 }

@@ -4,10 +4,7 @@
 #include <string>
 #include <vector>
 
-// The character set named in every Content-Type header; set by SetCharSet.
-extern std::string charsetUsed;
-// True once the page header block has been written.
-extern bool bOutputHTTPHeader;
+#include "state/request_state.h"
 
 // Chooses charsetUsed from HTTP_ACCEPT_CHARSET. Called once, before output.
 // Unset, or naming "UTF-8" anywhere (any case, any quality): "UTF-8".
@@ -43,7 +40,3 @@ void Redirect(const char* url, const char* query, bool encodeQuery);
 // (q below 0.001 included) is left out. Returns 0 for an empty header (nothing
 // appended), else 1.
 int SortAcceptHeader(std::string& header, std::vector<std::string>& result);
-
-// True when `text` is non-null, non-empty and starts with "/", "http:" or
-// "https:" (case-sensitive).
-bool IsURL(const char* text);

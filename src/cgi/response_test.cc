@@ -7,6 +7,7 @@
 
 #include "cgi/fields.h"
 #include "support/capture.h"
+#include "platform/text.h"
 
 namespace {
 

@@ -4,28 +4,25 @@
 
 #include "i18n/language.h"
 #include "platform/formatter.h"
-
-// Zero-initialised and never assigned: every API call receives a null
-// qualifier, as the API has always been called.
-const char* Qualifier;
+#include "state/request_state.h"
 
 namespace {
 
 struct ResultMessage {
+    int result;
     const char* key;
     const char* text;
 };
 
-// Indexed by result + 7: the rows for the results -7 to 0.
-constexpr ResultMessage kResultMessages[8] = {
-    {"KV-LXR-12066", "Communications Error"},
-    {"KV-LXR-12065", "INTERNAL ERROR: Comm buffer too small."},
-    {"KV-LXR-12064", "User update failed."},
-    {"KV-LXR-12068", "INTERNAL ERROR: Bad request format."},
-    {"KV-LXR-12063", "Unable to read User Entry."},
-    {"KV-LXR-12061", "Unable to read Administrator Entry."},
-    {"KV-LXR-12062", "Access Denied"},
-    {"KV-LXR-12069", "Operation Successful"},
+constexpr ResultMessage kResultMessages[] = {
+    {LXRAPI_UNREACHABLE, "KV-LXR-12066", "Communications Error"},
+    {LXRAPI_BUFFER_TOO_SMALL, "KV-LXR-12065", "INTERNAL ERROR: Comm buffer too small."},
+    {LXRAPI_UPDATE_FAILED, "KV-LXR-12064", "User update failed."},
+    {LXRAPI_BAD_REQUEST, "KV-LXR-12068", "INTERNAL ERROR: Bad request format."},
+    {LXRAPI_USER_UNREADABLE, "KV-LXR-12063", "Unable to read User Entry."},
+    {LXRAPI_ADMIN_UNREADABLE, "KV-LXR-12061", "Unable to read Administrator Entry."},
+    {LXRAPI_ACCESS_DENIED, "KV-LXR-12062", "Access Denied"},
+    {LXRAPI_OK, "KV-LXR-12069", "Operation Successful"},
 };
 
 }  // namespace
@@ -35,11 +32,8 @@ constexpr ResultMessage kResultMessages[8] = {
 // without regard to `size`: callers pass 1024 or 8192 bytes, far more than the
 // longest text.
 void GetMsg(int result, char* buffer, int size) {
-    // Unsigned arithmetic: results below -7 and above 0 fall outside 0..7
-    // without overflow.
-    unsigned index = static_cast<unsigned>(result) + 7u;
-    if (index < 8u) {
-        const ResultMessage& row = kResultMessages[index];
+    for (const ResultMessage& row : kResultMessages) {
+        if (row.result != result) continue;
         if (Lang) {
             Lang->Translate(buffer, size, row.key, row.text);
         } else {

@@ -3,9 +3,7 @@
 #pragma once
 
 #include "lxrapi.h"
-
-// Passed as the last argument of every API call; never assigned, so null.
-extern const char* Qualifier;
+#include "state/request_state.h"
 
 // Writes the message for an API result into `buffer`. Callers call it only
 // while their message buffer is still empty.

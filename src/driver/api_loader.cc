@@ -33,10 +33,6 @@ using WriteFn = int (*)(const char*, const char*, const char*, char*, int, const
 using ListFn = int (*)(const char*, const char*, const char*, char*, int, char*, int, const char*,
                        const char*, const char*);
 
-// The result the API itself gives when it cannot reach its configuration or
-// store; the caller shows it like any other API failure.
-constexpr int kUnreachable = -7;
-
 struct Library {
     GetDirectoryFn getDirectory = nullptr;
     ReadFn read = nullptr;
@@ -92,7 +88,7 @@ int Unavailable(const Library& library, char* message, int messageSize) {
         std::snprintf(message, static_cast<size_t>(messageSize),
                       "the administration API could not be loaded: %s", library.error.c_str());
     }
-    return kUnreachable;
+    return LXRAPI_UNREACHABLE;
 }
 
 }  // namespace

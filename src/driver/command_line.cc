@@ -8,6 +8,7 @@
 #include "i18n/language.h"
 #include "platform/console.h"
 #include "platform/formatter.h"
+#include "state/request_state.h"
 
 namespace {
 

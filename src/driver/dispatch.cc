@@ -11,7 +11,6 @@
 #include "driver/identity.h"
 #include "driver/update_document.h"
 #include "html/errors.h"
-#include "html/output_profile.h"
 #include "html/page.h"
 #include "i18n/language.h"
 #include "i18n/negotiate.h"
@@ -19,7 +18,9 @@
 #include "pages/user_selection.h"
 #include "platform/env.h"
 #include "platform/formatter.h"
+#include "platform/output_profile.h"
 #include "platform/system.h"
+#include "platform/text.h"
 
 namespace {
 
@@ -98,13 +99,9 @@ void ResultPage(const char* message) {
     std::string returnQuery = ReturnQuery();
     const char* returnTo = CKvGetEnv("HTTP_RETURNTO").c_str();
 
-    prtFormatter.printf("<SCRIPT LANGUAGE=\"JavaScript\">\n");
-    prtFormatter.printf("<!--\n");
-    prtFormatter.printf("      alert(\"%s\");\n", OutScript(message));
     std::string address;
-    if (HasArg("CLOSE")) {
-        prtFormatter.printf("      window.close();\n");
-    } else {
+    std::string navigate = "window.close();";
+    if (!HasArg("CLOSE")) {
         if (returnTo && *returnTo) {
             address = returnTo;
         } else if (HasArg("CancelTo")) {
@@ -115,23 +112,15 @@ void ResultPage(const char* message) {
             address += returnQuery;
         }
         address = OutAddress(address);
-        if (address.empty()) {
-            prtFormatter.printf("      window.history.back();\n");
-        } else {
-            prtFormatter.printf("      window.location = '%s';\n", OutScript(address));
-        }
+        navigate = address.empty() ? "window.history.back();"
+                                   : "window.location = '" + OutScript(address) + "';";
     }
-    prtFormatter.printf("//-->\n");
-    prtFormatter.printf("</SCRIPT>\n");
-    prtFormatter.printf("<noscript>\n");
-    prtFormatter.printf("<span align=\"center\">\n");
-    prtFormatter.printf("<h1>%s</h1><br>\n", OutText(message));
-    if (!address.empty()) {
+    if (address.empty()) {
+        AlertAndNavigate(message, navigate.c_str(), nullptr, nullptr);
+    } else {
         Lang->Translate(text, sizeof text, "KV-LXR-12012", "Click here to continue.");
-        prtFormatter.printf("<a href=\"%s\">%s</a>\n", OutAttr(address), text);
+        AlertAndNavigate(message, navigate.c_str(), OutAttr(address).c_str(), text);
     }
-    prtFormatter.printf("</span>\n");
-    prtFormatter.printf("</noscript>\n");
     HTMLFooter();
 }
 
@@ -207,7 +196,7 @@ int KvMainEnvUTF8(int argc, char** argv, char** /*envp*/) {
                     status);
     }
     ParseQueryString(query);
-    const char* identity = EnvValue("HTTP_LXRADMIN");
+    const char* identity = EnvText("HTTP_LXRADMIN");
     if (identity == nullptr) {
         return Fail("KV-LXR-15007", "Missing administrator information (from Active Expression).",
                     message, status);

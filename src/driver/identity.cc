@@ -16,17 +16,12 @@ const char* EnvWithFallback(const char* name, const char* fallback) {
 
 }  // namespace
 
-const char* EnvValue(const char* name) {
-    const char* value = CKvGetEnv(name).c_str();
-    return (value && *value) ? value : nullptr;
-}
-
 const char* AdministratorDN() {
     return EnvWithFallback("HTTP_KV_USERDN", "HTTP_KVUSERDN");
 }
 
 bool AdministratorPath(std::string& path) {
-    if (const char* userPath = EnvValue("HTTP_USERPATH")) {
+    if (const char* userPath = EnvText("HTTP_USERPATH")) {
         path = userPath;
         return true;
     }
@@ -45,7 +40,7 @@ bool AdministratorPath(std::string& path) {
 
 std::string AdministratorContext() {
     std::string context = "LXRAdmin=YES";
-    if (const char* extra = EnvValue("HTTP_LXRADMINCONTEXT")) {
+    if (const char* extra = EnvText("HTTP_LXRADMINCONTEXT")) {
         context += ";";
         context += extra;
     }
@@ -53,16 +48,16 @@ std::string AdministratorContext() {
 }
 
 bool ForeignPost() {
-    const char* own = EnvValue("LXR_ORIGIN");
+    const char* own = EnvText("LXR_ORIGIN");
     if (own == nullptr) return false;
-    const char* site = EnvValue("HTTP_SEC_FETCH_SITE");
+    const char* site = EnvText("HTTP_SEC_FETCH_SITE");
     if (site != nullptr && strcasecmp(site, "cross-site") == 0) return true;
-    const char* origin = EnvValue("HTTP_ORIGIN");
+    const char* origin = EnvText("HTTP_ORIGIN");
     return origin != nullptr && strcasecmp(origin, own) != 0;
 }
 
 bool OwnOriginPost() {
-    const char* own = EnvValue("LXR_ORIGIN");
-    const char* origin = EnvValue("HTTP_ORIGIN");
+    const char* own = EnvText("LXR_ORIGIN");
+    const char* origin = EnvText("HTTP_ORIGIN");
     return own != nullptr && origin != nullptr && !ForeignPost() && strcasecmp(origin, own) == 0;
 }

@@ -5,9 +5,6 @@
 
 #include <string>
 
-// An environment variable that is set and not empty, else null.
-const char* EnvValue(const char* name);
-
 // The administrator's DN: HTTP_KV_USERDN, else HTTP_KVUSERDN. Null when
 // neither is set; may be empty when one is set and empty.
 const char* AdministratorDN();

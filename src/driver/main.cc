@@ -1,7 +1,7 @@
 #include <cstdio>
 
 #include "driver/dispatch.h"
-#include "fields/field_model.h"
+#include "state/request_state.h"
 
 int main(int argc, char** argv, char** envp) {
     // One response per process: let it leave in a few large writes.

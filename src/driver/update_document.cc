@@ -3,10 +3,11 @@
 #include <strings.h>
 
 #include "cgi/response.h"
-#include "html/output_profile.h"
 #include "html/page.h"
 #include "i18n/language.h"
 #include "platform/formatter.h"
+#include "platform/output_profile.h"
+#include "state/request_state.h"
 
 namespace {
 

@@ -5,23 +5,13 @@
 
 #include "fields/field_model.h"
 #include "fields/field_util.h"
-#include "html/output_profile.h"
+#include "i18n/date_text.h"
+#include "platform/output_profile.h"
 
 using fields::kStampLength;
 using fields::SkipBlanks;
 
 namespace {
-
-// Indexed by tm_wday (Sunday 0) and tm_mon; each name is translated through
-// the parallel key table with the English name as default.
-const char* const kDays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
-const char* const kDaysKey[] = {"KV-LXR-12080", "KV-LXR-12081", "KV-LXR-12082", "KV-LXR-12083",
-                                "KV-LXR-12084", "KV-LXR-12085", "KV-LXR-12086"};
-const char* const kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                               "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
-const char* const kMonthsKey[] = {"KV-LXR-12047", "KV-LXR-12048", "KV-LXR-12049", "KV-LXR-12050",
-                                  "KV-LXR-12051", "KV-LXR-12052", "KV-LXR-12053", "KV-LXR-12054",
-                                  "KV-LXR-12055", "KV-LXR-12056", "KV-LXR-12057", "KV-LXR-12058"};
 
 // The text after a value's stamp and the blanks that follow it.
 const char* AfterStamp(const char* value) {
@@ -72,24 +62,7 @@ std::string OutDate(const char* stamp) {
     // The text only ever reaches the browser's date reader (LocalDate,
     // InsertLocalDate2), which knows the English names alone; the strict
     // profile gives it those, so that translated pages show real dates.
-    bool english = StrictOutput();
-    std::string day = english ? kDays[utc.tm_wday]
-                              : fields::Translated(kDaysKey[utc.tm_wday], kDays[utc.tm_wday]);
-    std::string month = english ? kMonths[utc.tm_mon]
-                                : fields::Translated(kMonthsKey[utc.tm_mon], kMonths[utc.tm_mon]);
-    // Formatted apart from prtFormatter's own text, so that a caller's
-    // sprintf result survives a date conversion.
-    CpaArgList args;
-    args.add(day);
-    args.add(static_cast<long>(utc.tm_mday));
-    args.add(month);
-    args.add(static_cast<long>(utc.tm_year) + 1900);
-    args.add(static_cast<long>(utc.tm_hour));
-    args.add(static_cast<long>(utc.tm_min));
-    args.add(static_cast<long>(utc.tm_sec));
-    std::string text;
-    FormatArgs(text, "%s, %ld %s %ld %02ld:%02ld:%02ld GMT", args);
-    return text;
+    return DateText(utc, StrictOutput());
 }
 
 std::string NextToken(const char*& cursor) {

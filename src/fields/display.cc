@@ -8,7 +8,7 @@
 #include "fields/field_model.h"
 #include "fields/field_util.h"
 #include "fields/redirect_entry.h"
-#include "html/output_profile.h"
+#include "platform/output_profile.h"
 
 using fields::kStampLength;
 using fields::Put;

@@ -6,7 +6,7 @@
 #include "fields/dates.h"
 #include "fields/display.h"
 #include "fields/field_util.h"
-#include "html/output_profile.h"
+#include "platform/output_profile.h"
 
 using fields::AddFragment;
 using fields::Put;

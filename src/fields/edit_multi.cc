@@ -3,7 +3,7 @@
 #include "fields/display.h"
 #include "fields/field_util.h"
 #include "fields/redirect_entry.h"
-#include "html/output_profile.h"
+#include "platform/output_profile.h"
 
 using fields::AddFragment;
 using fields::Put;
@@ -45,10 +45,7 @@ void ResetHistory(const char* name, int count) {
     Put("<br><span class=\"INNERPROMPT\">");
     prtFormatter.printf("<INPUT TYPE=\"CHECKBOX\" NAME=\"%s\" VALUE=\"YES\">%s", name, tagClear);
     Put("</span>\n");
-    OUTPUTFIELD* field = new OUTPUTFIELD;
-    field->name = name;
-    field->value = "0";
-    OutputFields.push_back(field);
+    AddOutputField(name, "0");
     // The server reads "1" as a request to clear the whole history.
     AddFragment(DataMoves, kHistoryMove, name, name, name);
 }

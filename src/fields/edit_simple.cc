@@ -5,7 +5,8 @@
 #include <string>
 
 #include "fields/field_util.h"
-#include "html/output_profile.h"
+#include "i18n/page_text.h"
+#include "platform/output_profile.h"
 
 using fields::AddFragment;
 using fields::Put;
@@ -80,10 +81,10 @@ const char kImmediateMove[] =
 // One labelled password row of the reset table.
 void WritePasswordRow(const char* key, const char* defaultText, const char* input,
                       const char* name) {
-    std::string label = fields::Translated(key, defaultText);
+    PageText label(Lang, key, defaultText);
     Put("<tr>\n");
     Put("<td width=\"1\" nowrap>\n");
-    prtFormatter.printf("<nobr><span class=\"INNERPROMPT\">%s&nbsp;</span></nobr>\n", label);
+    prtFormatter.printf("<nobr><span class=\"INNERPROMPT\">%s&nbsp;</span></nobr>\n", label.buffer);
     Put("</td>\n");
     Put("<td nowrap>\n");
     prtFormatter.printf(input, name);

@@ -10,22 +10,8 @@
 #include "fields/edit_multi.h"
 #include "fields/edit_simple.h"
 #include "fields/field_util.h"
+#include "i18n/page_text.h"
 #include "platform/env.h"
-
-// Filled by the page's rows and handlers during one request; read back by the
-// page writer to build PostForm and SubmitForm().
-std::vector<OUTPUTFIELD*> OutputFields;
-std::vector<std::string> DataEdits;
-std::vector<std::string> DataMoves;
-
-// Written once per page by FillTags, read by every handler.
-std::string tagLocal, tagComment, tagWhen, tagTimes, tagDays, tagDay, tagWeeks, tagWeek, tagIP,
-    tagClear, tagNotSet, tagNow, tagStatus, tagYES, tagNO, tagUseConfig, tagNever, tagForever,
-    tagDisabled, tagRedisable;
-
-// Written by InitNow at start-up; every reset-to-now choice of a page uses it,
-// so all of them post the same instant.
-time_t Now = 0;
 
 // kvlxrHistory has no handlers so that its values are neither shown nor
 // edited; userPassword has no display handler because a password is only
@@ -68,17 +54,6 @@ const FUNCS* FindFuncs(const char* name) {
     return nullptr;
 }
 
-void InitNow() {
-    Now = time(nullptr);
-    CKvGetEnv fixed("LXR_NOW");
-    const char* text = fixed.c_str();
-    if (text == nullptr || *text < '0' || *text > '9') return;
-    errno = 0;
-    char* end = nullptr;
-    long long seconds = std::strtoll(text, &end, 10);
-    if (errno == 0 && *end == '\0') Now = static_cast<time_t>(seconds);
-}
-
 namespace {
 
 struct TagRow {
@@ -115,5 +90,5 @@ const TagRow kTags[] = {
 }  // namespace
 
 void FillTags() {
-    for (const TagRow& row : kTags) *row.tag = fields::Translated(row.key, row.defaultText);
+    for (const TagRow& row : kTags) *row.tag = PageText(Lang, row.key, row.defaultText).buffer;
 }

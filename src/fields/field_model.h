@@ -2,36 +2,9 @@
 // display page is written: hidden fields, input checks, copy statements.
 #pragma once
 
-#include <ctime>
-#include <string>
-#include <vector>
+#include "state/request_state.h"
 
-// One hidden field of PostForm: the attribute name and its initial value.
-struct OUTPUTFIELD {
-    std::string name;
-    std::string value;
-};
-
-// Written by the group rows, the attribute rows and the edit handlers while
-// the page's rows are written; read by the page writer afterwards. Records are
-// never freed: they live for the one request.
-extern std::vector<OUTPUTFIELD*> OutputFields;
-// Script expressions that are true when a control's entry is invalid.
-extern std::vector<std::string> DataEdits;
-// Script statements that copy DisplayForm controls into PostForm.
-extern std::vector<std::string> DataMoves;
-
-// The fixed labels every handler prints, filled once per page by FillTags.
-extern std::string tagLocal, tagComment, tagWhen, tagTimes, tagDays, tagDay, tagWeeks, tagWeek,
-    tagIP, tagClear, tagNotSet, tagNow, tagStatus, tagYES, tagNO, tagUseConfig, tagNever,
-    tagForever, tagDisabled, tagRedisable;
-
-// The time the process started (LXR_NOW, seconds since the epoch, fixes it
-// for tests); set by InitNow at start-up.
-extern time_t Now;
-void InitNow();
-
-// Fills the tag... labels from Lang, in table order.
+// Fills the tag... labels (request_state.h) from Lang, in table order.
 void FillTags();
 
 using DisplayHandler = void (*)(const char* value, int index, bool first, bool last);

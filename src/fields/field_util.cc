@@ -26,14 +26,6 @@ const char* Trimmed(const char* p) {
     return p == nullptr ? "" : SkipBlanks(p);
 }
 
-std::string Translated(const char* key, const char* defaultText) {
-    if (Lang == nullptr) return defaultText ? defaultText : "";
-    char buffer[4096];
-    buffer[0] = '\0';
-    Lang->Translate(buffer, sizeof buffer, key, defaultText);
-    return buffer;
-}
-
 void WriteLocalDate(const std::string& date) {
     Put("<SCRIPT LANGUAGE=\"JavaScript\">\n");
     Put("<!--\n");

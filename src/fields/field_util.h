@@ -9,6 +9,7 @@
 
 #include "fields/field_model.h"
 #include "platform/formatter.h"
+#include "state/request_state.h"
 
 namespace fields {
 
@@ -27,10 +28,6 @@ const char* SkipBlanks(const char* p);
 
 // `p` past its leading blanks, or "" for null, so handlers never see null.
 const char* Trimmed(const char* p);
-
-// The catalogue text for `key` through a 4096-byte buffer, or `defaultText`
-// when no translator exists yet (unit tests, early failures).
-std::string Translated(const char* key, const char* defaultText);
 
 // The five script lines that show the GMT text `date` in the browser's local
 // time, then the "(local)" label when the catalogue gives one.

@@ -2,7 +2,8 @@
 
 #include "fields/dates.h"
 #include "fields/field_util.h"
-#include "html/output_profile.h"
+#include "i18n/page_text.h"
+#include "platform/output_profile.h"
 
 namespace fields {
 
@@ -21,7 +22,7 @@ RedirectEntry ReadRedirectEntry(const char* value) {
             entry.key.erase(equals);
         }
         // Keys are catalogue keys so that a catalogue can name each redirect.
-        entry.label = Translated(entry.key.c_str(), entry.key.c_str());
+        entry.label = PageText(Lang, entry.key.c_str(), entry.key.c_str()).buffer;
     }
     return entry;
 }

@@ -4,11 +4,13 @@
 #include <string>
 
 #include "cgi/response.h"
-#include "html/output_profile.h"
 #include "html/page.h"
-#include "html/page_text.h"
 #include "i18n/language.h"
+#include "i18n/page_text.h"
 #include "platform/formatter.h"
+#include "platform/output_profile.h"
+#include "platform/text.h"
+#include "state/request_state.h"
 
 namespace {
 
@@ -47,27 +49,36 @@ void ErrorPageOrRedirect(const char* message, const char* statusKey, char* statu
     HTMLFooter();
 }
 
-void DoError(const char* message, const char* returnURL) {
+void AlertAndNavigate(const char* message, const char* navigate, const char* linkHref,
+                      const char* linkText) {
     prtFormatter.printf("<SCRIPT LANGUAGE=\"JavaScript\">\n");
     prtFormatter.printf("<!--\n");
     prtFormatter.printf("      alert(\"%s\");\n", OutScript(message));
-    prtFormatter.printf("      window.history.back()\n");
+    prtFormatter.printf("      %s\n", navigate);
     prtFormatter.printf("//-->\n");
     prtFormatter.printf("</SCRIPT>\n");
     prtFormatter.printf("<noscript>\n");
     prtFormatter.printf("<span align=\"center\">\n");
     prtFormatter.printf("<h1>%s</h1><br>\n", OutText(message));
-    if (returnURL != nullptr) {
-        html::PageText back(LangWithID, "KV-LXR-12013", "Click here to return.");
-        prtFormatter.printf("<a href=\"%s\">%s</a>\n", OutAttr(OutAddress(returnURL)), back.buffer);
-    }
+    if (linkHref != nullptr) prtFormatter.printf("<a href=\"%s\">%s</a>\n", linkHref, linkText);
     prtFormatter.printf("</span>\n");
     prtFormatter.printf("</noscript>\n");
 }
 
+// The error page goes back without a semicolon, as it always has.
+void DoError(const char* message, const char* returnURL) {
+    if (returnURL == nullptr) {
+        AlertAndNavigate(message, "window.history.back()", nullptr, nullptr);
+        return;
+    }
+    PageText back(LangWithID, "KV-LXR-12013", "Click here to return.");
+    std::string href = OutAttr(OutAddress(returnURL));
+    AlertAndNavigate(message, "window.history.back()", href.c_str(), back.buffer);
+}
+
 void DumpXML(const char* xml) {
     // The key's trailing blank is how the catalogue has always keyed it.
-    html::PageText status(Lang, "KV-LXR-12200 ", "200 OK");
+    PageText status(Lang, "KV-LXR-12200 ", "200 OK");
     HTTPHeader(status.buffer);
     StandardHead();
     prtFormatter.printf("<h1>XML Dump</h1>\n");
@@ -78,13 +89,13 @@ void DumpXML(const char* xml) {
 }
 
 void InvalidXML(const char* xml, const char* errorPosition) {
-    html::PageText message(LangWithID, "KV-LXR-15000", "Invalid data from LXR API.");
+    PageText message(LangWithID, "KV-LXR-15000", "Invalid data from LXR API.");
     // A catalogue may send parse failures to a page of the site's own.
     if (IsURL(message.buffer)) {
         Redirect(message.buffer, nullptr, true);
         return;
     }
-    html::PageText status(Lang, "KV-LXR-12503", "503 SERVICE UNAVAILABLE");
+    PageText status(Lang, "KV-LXR-12503", "503 SERVICE UNAVAILABLE");
     HTTPHeader(status.buffer);
     StandardHead();
     // The message itself is not shown: the page shows the document and,

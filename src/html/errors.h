@@ -3,6 +3,14 @@
 // document they show.
 #pragma once
 
+// The fragment of every page that tells the administrator `message` and moves
+// on: a script that alerts it and then runs `navigate` (one statement, written
+// as given), and for browsers without scripts the message as a heading with,
+// when `linkHref` is not null, a link to it labelled `linkText`. `linkHref`
+// and `linkText` go into the page as given; the caller escapes them.
+void AlertAndNavigate(const char* message, const char* navigate, const char* linkHref,
+                      const char* linkText);
+
 // An error fragment inside a page whose header and head the caller has
 // written: a script that alerts `message` and goes back, and for browsers
 // without scripts the message as a heading with, when `returnURL` is not

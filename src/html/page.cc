@@ -2,13 +2,11 @@
 
 #include <string>
 
-#include "html/page_text.h"
 #include "html/script_library.h"
 #include "i18n/language.h"
+#include "i18n/page_text.h"
 #include "platform/formatter.h"
-
-// Set at the end of the first HTMLHeader; never cleared.
-bool bOutputHTMLHeader = false;
+#include "state/request_state.h"
 
 // The name of every rule is padded to sixteen columns (a longer one gets one
 // blank) so the rules line up when a page's source is read.
@@ -40,8 +38,8 @@ const char* const DefaultStyles =
 void HTMLHeader(const char* descriptionKey, const char* descriptionDefault, const char* titleKey,
                 const char* titleDefault, bool /*flag*/) {
     if (bOutputHTMLHeader) return;
-    html::PageText title(Lang, titleKey, titleDefault);
-    html::PageText description(Lang, descriptionKey, descriptionDefault);
+    PageText title(Lang, titleKey, titleDefault);
+    PageText description(Lang, descriptionKey, descriptionDefault);
     prtFormatter.printf("<html>\n<head>\n");
     prtFormatter.printf("<title>%s</title>\n", title.buffer);
     prtFormatter.printf("<meta name=\"Description\" content=\"%s\">\n", description.buffer);
@@ -57,10 +55,10 @@ void HTMLHeader(const char* descriptionKey, const char* descriptionDefault, cons
 }
 
 void DoBody() {
-    html::PageText attributes(Lang, "KV-LXR-12022", " ");
+    PageText attributes(Lang, "KV-LXR-12022", " ");
     prtFormatter.printf("<body %s>\n", attributes.buffer);
     // A catalogue may add a banner line; the default (a blank) adds nothing.
-    html::PageText banner(Lang, "KV-LXR-12023", " ");
+    PageText banner(Lang, "KV-LXR-12023", " ");
     if (banner.buffer[0] != ' ') prtFormatter.printf("%s\n", banner.buffer);
 }
 

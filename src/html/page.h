@@ -4,8 +4,8 @@
 // translators do not exist yet) and inserted unescaped.
 #pragma once
 
-// True once the head has been written; a second HTMLHeader writes nothing.
-extern bool bOutputHTMLHeader;
+#include "state/request_state.h"
+
 // The built-in stylesheet, one rule per line, each line ending in "\n"; the
 // rule's name padded with blanks to sixteen columns (at least one blank).
 extern const char* const DefaultStyles;

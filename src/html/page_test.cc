@@ -9,7 +9,7 @@
 #include <fstream>
 #include <string>
 
-#include "fields/field_model.h"
+#include "state/request_state.h"
 #include "support/request_reset.h"
 #include "support/temp_dir.h"
 #include "support/translators.h"

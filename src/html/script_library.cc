@@ -4,13 +4,14 @@
 #include <ctime>
 #include <string>
 
-#include "fields/field_model.h"
-#include "html/output_profile.h"
 #include "html/page.h"
-#include "html/page_text.h"
+#include "i18n/date_text.h"
 #include "i18n/language.h"
+#include "i18n/page_text.h"
 #include "platform/formatter.h"
+#include "platform/output_profile.h"
 #include "platform/system.h"
+#include "state/request_state.h"
 
 namespace html {
 
@@ -23,33 +24,15 @@ bool StyleSheetFileExists() {
 
 namespace {
 
-const char* const kMonthKeys[12] = {"KV-LXR-12047", "KV-LXR-12048", "KV-LXR-12049", "KV-LXR-12050",
-                                    "KV-LXR-12051", "KV-LXR-12052", "KV-LXR-12053", "KV-LXR-12054",
-                                    "KV-LXR-12055", "KV-LXR-12056", "KV-LXR-12057", "KV-LXR-12058"};
-const char* const kMonths[12] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                                 "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
-const char* const kDayKeys[7] = {"KV-LXR-12080", "KV-LXR-12081", "KV-LXR-12082", "KV-LXR-12083",
-                                 "KV-LXR-12084", "KV-LXR-12085", "KV-LXR-12086"};
-const char* const kDays[7] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
-
 // The request time as the browser's Date parses it, in UTC with the
 // catalogue's day and month names: "Wed, 5 Jan 2005 10:20:30 GMT".
 std::string RequestTimeText() {
     struct tm t;
     std::memset(&t, 0, sizeof t);
     if (gmtime_r(&Now, &t) == nullptr) std::memset(&t, 0, sizeof t);
-    PageText day(Lang, kDayKeys[t.tm_wday % 7], kDays[t.tm_wday % 7]);
-    PageText month(Lang, kMonthKeys[t.tm_mon % 12], kMonths[t.tm_mon % 12]);
     // Read back by LocalDate in the browser, which knows English names only:
     // the strict profile writes those (see OutDate).
-    bool english = StrictOutput();
-    CKvFormatter format;  // prtFormatter's own text is left to its callers
-    return format.sprintf("%s, %ld %s %ld %02ld:%02ld:%02ld GMT",
-                          english ? kDays[t.tm_wday % 7] : day.buffer,
-                          static_cast<long>(t.tm_mday),
-                          english ? kMonths[t.tm_mon % 12] : month.buffer,
-                          static_cast<long>(t.tm_year) + 1900L, static_cast<long>(t.tm_hour),
-                          static_cast<long>(t.tm_min), static_cast<long>(t.tm_sec));
+    return DateText(t, StrictOutput());
 }
 
 // The script library. Each writer prints one function body, its lines
@@ -83,12 +66,8 @@ void LogEntry() {
 // so browsers find nothing there. The picture is already on the page when the
 // date controls are written, so it is named among the form's elements here.
 void DateEntry() {
-    PageText m[12] = {{Lang, kMonthKeys[0], kMonths[0]},   {Lang, kMonthKeys[1], kMonths[1]},
-                      {Lang, kMonthKeys[2], kMonths[2]},   {Lang, kMonthKeys[3], kMonths[3]},
-                      {Lang, kMonthKeys[4], kMonths[4]},   {Lang, kMonthKeys[5], kMonths[5]},
-                      {Lang, kMonthKeys[6], kMonths[6]},   {Lang, kMonthKeys[7], kMonths[7]},
-                      {Lang, kMonthKeys[8], kMonths[8]},   {Lang, kMonthKeys[9], kMonths[9]},
-                      {Lang, kMonthKeys[10], kMonths[10]}, {Lang, kMonthKeys[11], kMonths[11]}};
+    std::string m[12];
+    for (int i = 0; i < 12; ++i) m[i] = MonthName(i, false);
     prtFormatter.printf(R"(    var Months = new Array('%s', '%s', '%s', '%s', '%s', '%s',
         '%s', '%s', '%s', '%s', '%s', '%s');
     var Dt;
@@ -133,9 +112,7 @@ void DateEntry() {
     if (F && !F.elements[strName + '_IMAGE'] && document.images[strName + '_IMAGE'])
         F.elements[strName + '_IMAGE'] = document.images[strName + '_IMAGE'];
 )",
-                        m[0].buffer, m[1].buffer, m[2].buffer, m[3].buffer, m[4].buffer,
-                        m[5].buffer, m[6].buffer, m[7].buffer, m[8].buffer, m[9].buffer,
-                        m[10].buffer, m[11].buffer);
+                        m[0], m[1], m[2], m[3], m[4], m[5], m[6], m[7], m[8], m[9], m[10], m[11]);
 }
 
 // February 29 to 31 pass in every year divisible by four and the century

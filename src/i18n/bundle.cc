@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "i18n/locale_list.h"
+#include "platform/env.h"
 #include "platform/system.h"
 
 namespace {
@@ -71,8 +72,8 @@ bool IsApplicationName(const char* name) {
 }  // namespace
 
 std::string CatalogueDirectory() {
-    const char* named = std::getenv("LXRADMIN_CATALOGUE");
-    if (named && *named) return named;
+    const char* named = EnvText("LXRADMIN_CATALOGUE");
+    if (named) return named;
     std::string exe = ExecutableDirectory();
     return exe.empty() ? exe : exe + "/catalogue";
 }

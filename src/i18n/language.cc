@@ -2,12 +2,9 @@
 
 #include <cstring>
 
-#include "cgi/response.h"
 #include "i18n/bundle.h"
 #include "platform/system.h"
-
-CLanguage* Lang = nullptr;
-CLanguage* LangWithID = nullptr;
+#include "platform/text.h"
 
 Xlate::Xlate(const char* bundleName, const char* locale, bool flag)
     : bundleName_(bundleName ? bundleName : ""), flag_(flag) {

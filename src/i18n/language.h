@@ -6,6 +6,7 @@
 #include <string>
 
 #include "platform/formatter.h"
+#include "state/request_state.h"
 
 class CKvXlate;  // a loaded message bundle (i18n/bundle.h)
 
@@ -123,8 +124,3 @@ class CLanguage : public Xlate {
 // A new translator for `application` and language[-country]; never null.
 CLanguage* GetLanguage(const char* application, const char* language, const char* country,
                        bool withId);
-
-// The two process-wide translators, set once per request (SetLanguage, or the
-// command-line start) and never freed. Null before that.
-extern CLanguage* Lang;        // page text, titles, status lines
-extern CLanguage* LangWithID;  // error and validation messages, with "[key] "

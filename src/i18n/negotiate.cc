@@ -7,12 +7,6 @@
 
 namespace {
 
-// The variable's text when it is set and not empty, else null.
-const char* Set(const char* name) {
-    const char* value = CKvGetEnv(name).c_str();
-    return (value && *value) ? value : nullptr;
-}
-
 // The cookie entry that starts at `p`: up to the first ";" after it, but
 // taken as k characters where k is that ";"'s index in the whole text. For
 // a cookie that is not the first one the entry therefore runs on into the
@@ -29,7 +23,7 @@ std::string EntryAt(const std::string& cookie, size_t p) {
 std::string CookieLanguage(const std::string& cookie) {
     std::string entry;
     bool found = false;
-    if (const char* name = Set("HTTP_LANGUAGECOOKIE")) {
+    if (const char* name = EnvText("HTTP_LANGUAGECOOKIE")) {
         size_t p = cookie.find(name);
         if (p != std::string::npos) {
             entry = EntryAt(cookie, p);
@@ -52,7 +46,7 @@ void Create(const char* application, const char* language, const char* country) 
 }  // namespace
 
 void SetLanguage(const char* application) {
-    if (const char* cookie = Set("HTTP_COOKIE")) {
+    if (const char* cookie = EnvText("HTTP_COOKIE")) {
         std::string language = CookieLanguage(cookie);
         if (!language.empty()) {
             Create(application, language.c_str(), nullptr);
@@ -60,19 +54,19 @@ void SetLanguage(const char* application) {
         }
     }
 
-    if (const char* language = Set("HTTP_KV_LANGUAGE")) {
-        Create(application, language, Set("HTTP_KV_COUNTRY"));
+    if (const char* language = EnvText("HTTP_KV_LANGUAGE")) {
+        Create(application, language, EnvText("HTTP_KV_COUNTRY"));
         return;
     }
 
     // The browser's list with the agent's fallback language appended at the
     // lowest quality there is, so it is taken only when nothing else fits.
-    const char* accept = Set("HTTP_ACCEPT_LANGUAGE");
+    const char* accept = EnvText("HTTP_ACCEPT_LANGUAGE");
     std::string list = accept ? accept : "";
-    if (const char* fallback = Set("HTTP_KV_LANGUAGE1")) {
+    if (const char* fallback = EnvText("HTTP_KV_LANGUAGE1")) {
         if (!list.empty()) list += ",";
         list += fallback;
-        if (const char* country = Set("HTTP_KV_COUNTRY1")) {
+        if (const char* country = EnvText("HTTP_KV_COUNTRY1")) {
             list += "-";
             list += country;
         }

@@ -14,7 +14,7 @@
 #include "driver/api_boundary.h"
 #include "driver/identity.h"
 #include "fields/field_model.h"
-#include "html/output_profile.h"
+#include "platform/output_profile.h"
 #include "i18n/language.h"
 #include "i18n/negotiate.h"
 #include "list/bulk.h"
@@ -202,7 +202,7 @@ int ListMain() {
                                 "Unable to determine the full path to the current administrator."));
         return 0;
     }
-    r.identity = EnvValue("HTTP_LXRADMIN");
+    r.identity = EnvText("HTTP_LXRADMIN");
     if (r.identity == nullptr) {
         WriteListError("403 Forbidden",
                        ListText("KV-LXR-13043", "The administrator's role is missing."));

@@ -4,7 +4,7 @@
 #include <nettle/sha2.h>
 
 #include "fields/dates.h"
-#include "html/escape.h"
+#include "platform/escape.h"
 #include "html/page.h"
 #include "list/csv.h"
 #include "list/list_text.h"

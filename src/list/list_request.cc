@@ -1,6 +1,6 @@
 #include "list_request.h"
 
-#include "html/escape.h"
+#include "platform/escape.h"
 
 const ListKindName kListKinds[7] = {
     {ListKind::kLocked, "locked"},   {ListKind::kDisabled, "disabled"},

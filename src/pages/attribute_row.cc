@@ -8,11 +8,12 @@
 #include "fields/dates.h"
 #include "fields/display.h"
 #include "fields/edit_simple.h"
-#include "html/output_profile.h"
 #include "pages/page_parts.h"
 #include "pages/xml_reader.h"
 #include "platform/env.h"
 #include "platform/formatter.h"
+#include "platform/output_profile.h"
+#include "state/request_state.h"
 
 namespace {
 
@@ -149,10 +150,7 @@ void WriteAttributeRow(const AttributeElement& attribute, const RowHandlers& han
         if (attribute.write && handlers.edit != nullptr) {
             finisher = handlers.edit(name, value, index, first, last);
             if (finisher == nullptr) {
-                auto* field = new OUTPUTFIELD;
-                field->name = attribute.name;
-                field->value = value;
-                OutputFields.push_back(field);
+                AddOutputField(attribute.name, value);
             }
         } else if (attribute.read && handlers.display != nullptr) {
             handlers.display(value, index, first, last);

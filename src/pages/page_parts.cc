@@ -1,7 +1,8 @@
 #include "pages/page_parts.h"
 
-#include "html/output_profile.h"
 #include "platform/formatter.h"
+#include "platform/output_profile.h"
+#include "state/request_state.h"
 
 void WriteDialogOpen(const char* title, const char* innerClass) {
     prtFormatter.printf("%s",

@@ -2,12 +2,13 @@
 
 #include "cgi/fields.h"
 #include "fields/field_model.h"
-#include "html/output_profile.h"
 #include "i18n/language.h"
 #include "pages/page_parts.h"
 #include "pages/user_display.h"
 #include "pages/xml_reader.h"
 #include "platform/formatter.h"
+#include "platform/output_profile.h"
+#include "state/request_state.h"
 
 namespace {
 
@@ -32,13 +33,6 @@ void WriteGroupImage(const GroupElement& group) {
             break;
     }
     prtFormatter.printf(">\n");
-}
-
-void AddOutputField(const std::string& name, const char* value) {
-    auto* field = new OUTPUTFIELD;
-    field->name = name;
-    field->value = value;
-    OutputFields.push_back(field);
 }
 
 // Membership known and changeable: one box, posted as "1" or "0".
@@ -131,7 +125,6 @@ void WriteSectionRow(const SectionElement& section) {
         prtFormatter.printf("<span class=\"SECTION\">%s</span>\n", OutText(label));
     }
     prtFormatter.printf("</td></tr>\n");
-    bNewSection = true;
 }
 
 void WriteGroupRow(const GroupElement& group) {

@@ -8,7 +8,7 @@
 bool ProcessSection(const char*& cursor);
 bool ProcessGroup(const char*& cursor);
 
-// The row of a section that has been read; sets bNewSection.
+// The row of a section that has been read.
 void WriteSectionRow(const SectionElement& section);
 // The row of a group that has been read, with `write` already cleared for a
 // read-only request. A changeable group adds its hidden field to OutputFields

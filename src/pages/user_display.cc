@@ -6,7 +6,6 @@
 #include "cgi/response.h"
 #include "fields/field_model.h"
 #include "html/errors.h"
-#include "html/output_profile.h"
 #include "html/page.h"
 #include "i18n/language.h"
 #include "pages/attribute_row.h"
@@ -15,31 +14,12 @@
 #include "pages/section_group.h"
 #include "platform/env.h"
 #include "platform/formatter.h"
-
-std::string DisabledReason;
-bool bNewSection = true;
+#include "platform/output_profile.h"
+#include "state/request_state.h"
 
 namespace {
 
 constexpr int kTextSize = 4096;
-
-// Set and non-empty; an empty variable counts as absent here.
-const char* EnvText(const char* name) {
-    const char* value = CKvGetEnv(name).c_str();
-    return value != nullptr && *value != '\0' ? value : nullptr;
-}
-
-bool SectionRow(const char*& cursor) {
-    return ProcessSection(cursor);
-}
-bool GroupRow(const char*& cursor) {
-    bNewSection = false;
-    return ProcessGroup(cursor);
-}
-bool AttributeRow(const char*& cursor) {
-    bNewSection = false;
-    return ProcessAttribute(cursor);
-}
 
 // The error for a read that offers nothing to see. The page follows it all
 // the same: the header and head are written once, so the rows come after the
@@ -186,9 +166,9 @@ void WritePostForm(const std::string& userName) {
 
 <FORM METHOD="POST" NAME="PostForm">
 )");
-    for (const OUTPUTFIELD* field : OutputFields) {
+    for (const OUTPUTFIELD& field : OutputFields) {
         prtFormatter.printf("    <INPUT TYPE=\"HIDDEN\" NAME=\"%s\" VALUE=\"%s\">\n",
-                            OutAttr(field->name), OutAttr(field->value));
+                            OutAttr(field.name), OutAttr(field.value));
     }
     prtFormatter.printf("    <INPUT TYPE=\"HIDDEN\" NAME=\"LXR-USERDN\" VALUE=\"%s\">\n",
                         OutAttr(userName));
@@ -220,7 +200,7 @@ void UserDisplay(const char* document, int readResult) {
     DisabledReason += user.disabled;
     if (!DisabledReason.empty()) WriteDisabledRow();
     // Rows written before a fault stay on the page; the error follows them.
-    if (!ReadUserRows(cursor, UserRowReaders{SectionRow, GroupRow, AttributeRow})) {
+    if (!ReadUserRows(cursor, UserRowReaders{ProcessSection, ProcessGroup, ProcessAttribute})) {
         InvalidXML(document, cursor);
         return;
     }

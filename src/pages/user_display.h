@@ -2,12 +2,6 @@
 // controls, the SubmitForm() script and the hidden PostForm.
 #pragma once
 
-#include <string>
-
-// The User element's `disabled` text, empty when absent.
-extern std::string DisabledReason;
-// Set by ProcessSection after a heading; cleared before each group or
-// attribute is read.
-extern bool bNewSection;
+#include "state/request_state.h"
 
 void UserDisplay(const char* document, int readResult);

@@ -3,22 +3,18 @@
 #include "cgi/fields.h"
 #include "cgi/response.h"
 #include "html/errors.h"
-#include "html/output_profile.h"
 #include "html/page.h"
 #include "i18n/language.h"
 #include "pages/directory_list.h"
 #include "pages/page_parts.h"
 #include "platform/env.h"
 #include "platform/formatter.h"
+#include "platform/output_profile.h"
+#include "state/request_state.h"
 
 namespace {
 
 constexpr int kTextSize = 4096;
-
-const char* EnvText(const char* name) {
-    const char* value = CKvGetEnv(name).c_str();
-    return value != nullptr && *value != '\0' ? value : nullptr;
-}
 
 // Nothing to choose from: an error page, or a redirect when the catalogue
 // names a page of the site's own.

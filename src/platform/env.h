@@ -17,3 +17,7 @@ class CKvGetEnv {
   private:
     const char* value_ = nullptr;
 };
+
+// The text of `name` when it is set and not empty, else null: for the places
+// where an empty variable means the same as a missing one.
+const char* EnvText(const char* name);

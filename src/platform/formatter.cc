@@ -4,8 +4,6 @@
 #include <cstring>
 #include <string_view>
 
-CKvFormatter prtFormatter;
-
 namespace {
 
 // Appends snprintf(spec, value) to `out`, whatever its length.

@@ -81,6 +81,3 @@ class CKvFormatter {
     std::string text_;
     std::string scratch_;
 };
-
-// Every page byte goes through this one object (defined in formatter.cc).
-extern CKvFormatter prtFormatter;

@@ -4,13 +4,15 @@
 
 #include <cstdlib>
 
+#include "platform/env.h"
+
 int KvAccess(const char* path, int mode) {
     return path ? ::access(path, mode) : -1;
 }
 
 const char* KvGetAdminLocale() {
-    const char* v = std::getenv("LXRADMIN_LOCALE");
-    return (v && *v) ? v : "en";
+    const char* v = EnvText("LXRADMIN_LOCALE");
+    return v ? v : "en";
 }
 
 std::string ExecutableDirectory() {

@@ -9,12 +9,7 @@
 
 #include "support/capture.h"
 
-// Empties the request arguments and posted data, the page's hidden fields,
-// checks and moves, the tag labels and the disabled reason; clears the
-// header-written flags; sets Now to 0, charsetUsed to empty, Lang and
-// LangWithID to null (translators are not freed: the caller owns them) and
-// the strict profile off.
-void ResetRequestState();
+#include "state/request_state.h"  // ResetRequestState()
 
 namespace lxrtest {
 

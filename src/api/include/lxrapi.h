@@ -9,10 +9,9 @@
  * bytes. Nothing is ever written past replySize or messageSize.
  *
  * Results: 0 or more is success (LXRAdminRead: the number of attributes in
- * the reply; LXRAdminList: the number of users in it); negative values are failures:
- *   -1 access denied, -2 administrator entry unreadable, -3 user entry
- *   unreadable, -4 bad request format, -5 update failed, -6 reply buffer too
- *   small, -7 configuration or store unreachable.
+ * the reply; LXRAdminList: the number of users in it); negative values are
+ * failures, named below. The values are part of the interface: callers built
+ * against any version compare against them.
  */
 #ifndef LXRAPI_H
 #define LXRAPI_H
@@ -22,6 +21,17 @@ extern "C" {
 #endif
 
 #define LXRAPI_EXPORT __attribute__((visibility("default")))
+
+enum LXRAPIResult {
+    LXRAPI_OK = 0,
+    LXRAPI_ACCESS_DENIED = -1,    /* the identity may not administer this user */
+    LXRAPI_ADMIN_UNREADABLE = -2, /* the administrator's entry cannot be read */
+    LXRAPI_USER_UNREADABLE = -3,  /* the user's entry cannot be read */
+    LXRAPI_BAD_REQUEST = -4,      /* a request or update document is malformed */
+    LXRAPI_UPDATE_FAILED = -5,    /* the store refused the update; nothing changed */
+    LXRAPI_BUFFER_TOO_SMALL = -6, /* the reply does not fit into replySize - 1 bytes */
+    LXRAPI_UNREACHABLE = -7       /* configuration or store cannot be reached */
+};
 
 LXRAPI_EXPORT int LXRAdminGetDirectory(const char* identity, char* reply, int replySize,
                                        char* message, int messageSize, const char* language,

@@ -1,4 +1,4 @@
-#include "html/output_profile.h"
+#include "platform/output_profile.h"
 
 #include <gtest/gtest.h>
 

@@ -1,12 +1,10 @@
 // The one translated line every page writer fills: a catalogue text in a
-// 4096-byte buffer. Internal to src/html.
+// 4096-byte buffer.
 #pragma once
 
 #include <cstring>
 
 #include "i18n/language.h"
-
-namespace html {
 
 // The text of `key` from `language` (Lang or LangWithID), cut to 4095 bytes.
 // Pages may be written before the translators exist (a failure early in the
@@ -24,5 +22,3 @@ struct PageText {
         }
     }
 };
-
-}  // namespace html

@@ -1,4 +1,4 @@
-#include "html/escape.h"
+#include "platform/escape.h"
 
 #include <gtest/gtest.h>
 

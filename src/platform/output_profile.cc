@@ -1,12 +1,12 @@
-#include "html/output_profile.h"
+#include "platform/output_profile.h"
 
 #include <strings.h>
 
 #include <cctype>
 #include <cstring>
 
-#include "html/escape.h"
 #include "platform/env.h"
+#include "platform/escape.h"
 
 namespace {
 
