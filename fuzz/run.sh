@@ -6,7 +6,7 @@
 #   fuzz/run.sh --campaign minutes [target...]
 #
 # A target is found by its seed corpus: fuzz/<dir>/corpus/<target>/ names the
-# executable <target> built from fuzz/<dir>/CMakeLists.txt. Inputs in
+# executable <target> that fuzz/CMakeLists.txt builds. Inputs in
 # fuzz/<dir>/regressions/<target>/ are replayed first, once each. New corpus
 # entries go to build-fuzz/corpus/<target>/ (the seeds in the tree are never
 # written); crashes go to build-fuzz/artifacts/<target>/. Copy a crash input
@@ -48,7 +48,6 @@ for corpus in "$root"/fuzz/*/corpus/*/; do
     [ -d "$corpus" ] || continue
     name=$(basename "$corpus")
     dir=$(dirname "$(dirname "$corpus")")
-    [ -f "$dir/CMakeLists.txt" ] || continue
     if [ $# -gt 0 ]; then
         case " $* " in *" $name "*) ;; *) continue ;; esac
     fi

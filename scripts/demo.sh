@@ -47,22 +47,21 @@ EXE="$ROOT/$BUILD_DIR/src/driver/LXRAdmin"
 # The LDAP demo's second half, with slapd running: the API's configuration
 # for it, the users' state made by real binds, then the pages.
 if [ "$SERVE" = 1 ]; then
-  : "${LXR_LDAP_URL:?}" "${LXR_LDAP_WORK:?}"
+  : "${LXR_LDAP_URL:?}" "${LXR_LDAP_WORK:?}" "${LXR_LDAP_API_CONFIG:?}"
   unset LXR_NOW  # the server judges by its own clock
   work=$LXR_LDAP_WORK
   "$LXRDIR" create "$work/audit.db" >/dev/null
-  sed -e "s|ldap://127.0.0.1:3890|$LXR_LDAP_URL|" \
-      -e "s|\"../../var/ldap.secret\"|\"$LXR_LDAP_PASSWORD_FILE\"|" \
-      -e "s|\"../../var/ldap-audit.db\"|\"$work/audit.db\"|" \
-      -e 's|^auxiliary_class = .*|&\npolicy = "ppolicy"\ndefault_policy = "cn=default,ou=policies,o=example"|' \
-      examples/ldap/lxrapi.toml >"$work/lxrapi.toml"
   who() { ldapwhoami -x -H "$LXR_LDAP_URL" -D "uid=$1,ou=staff,o=example" -w "$2" >/dev/null 2>&1 || true; }
   for _ in 1 2 3 4 5; do who rupert wrong-password; done
   who alice wrong-password
   who alice Demo-pass1
+  # mallory's 90-day password lifetime becomes a per-user policy.
+  printf '<User name="uid=mallory,ou=staff,o=example"><Attribute name="kvlxrExpirePasswordDays"><Value>90 finance-policy</Value></Attribute></User>' >"$work/mallory.xml"
+  LXRAPI_CONFIG=$LXR_LDAP_API_CONFIG "$LXRDIR" write helpdesk \
+    LDAP://demo/uid=hd.lead,ou=admins,o=example "$work/mallory.xml" >/dev/null
   run=$work/web
   ARGS=(--run "$run" --cgi "$EXE" --agent web/lighttpd/demo-agent.conf
-    --env "LXRAPI_CONFIG=$work/lxrapi.toml")
+    --env "LXRAPI_CONFIG=$LXR_LDAP_API_CONFIG")
   [ -n "$PORT" ] && ARGS+=(--port "$PORT")
   cat <<INFO
 demo: the directory is in slapd at $LXR_LDAP_URL, with its password policy.

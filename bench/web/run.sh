@@ -79,21 +79,32 @@ as_cgi() {
 peak_kb=$(as_cgi /usr/bin/time -f '%M' "$exe" 2>&1 >/dev/null | tail -1)
 
 # CPU time per process (perf stat task-clock, which other load disturbs far
-# less than throughput): the display page and the trivial CGI, in turns.
-cpu_display=0 cpu_trivial=0
+# less than throughput): the display page and the trivial CGI, in turns,
+# LXR_BENCH_ROUNDS rounds (default 2) of LXR_BENCH_RUNS processes each
+# (default 300); the minimum and median of the round means are reported.
+rounds=${LXR_BENCH_ROUNDS:-2} runs=${LXR_BENCH_RUNS:-300}
+cpu_display="" cpu_trivial=""
 if command -v perf >/dev/null 2>&1; then
   task_clock() { "$@" 2>&1 >/dev/null | awk -F, '/task-clock/ {print $1}'; }
-  for _ in 1 2; do
-    t=$(task_clock env -i perf stat -r 300 -x, -e task-clock "$trivial")
-    d=$(task_clock as_cgi perf stat -r 300 -x, -e task-clock "$exe")
+  for _ in $(seq "$rounds"); do
+    t=$(task_clock env -i perf stat -r "$runs" -x, -e task-clock "$trivial")
+    d=$(task_clock as_cgi perf stat -r "$runs" -x, -e task-clock "$exe")
     echo "task-clock ms: trivial $t, display $d" >&2
-    cpu_trivial=$(awk -v a="$cpu_trivial" -v b="$t" 'BEGIN {print a + b}')
-    cpu_display=$(awk -v a="$cpu_display" -v b="$d" 'BEGIN {print a + b}')
+    cpu_trivial="$cpu_trivial $t" cpu_display="$cpu_display $d"
   done
 fi
+min_median() {  # numbers -> "min median" (an even count: the middle two's mean)
+  tr ' ' '\n' <<<"$1" | awk 'NF' | sort -n | awk '{ v[NR] = $1 } END {
+    if (NR == 0) { print 0, 0; exit }
+    m = NR % 2 ? v[(NR + 1) / 2] : (v[NR / 2] + v[NR / 2 + 1]) / 2
+    print v[1], m }'
+}
+read -r ct_min ct <<<"$(min_median "$cpu_trivial")"
+read -r cd_min cd <<<"$(min_median "$cpu_display")"
 
 awk -v t="$trivial_rate" -v d="$display_rate" -v tb="$trivial_bad" -v db="$display_bad" \
-    -v kb="$peak_kb" -v secs="$seconds" -v ct="$cpu_trivial" -v cd="$cpu_display" 'BEGIN {
+    -v kb="$peak_kb" -v secs="$seconds" -v ct="$ct" -v cd="$cd" -v ctm="$ct_min" -v cdm="$cd_min" \
+    -v rounds="$rounds" -v runs="$runs" 'BEGIN {
   printf "wrk -t2 -c8 -d%ss on 127.0.0.1, same lighttpd\n", secs
   printf "%-28s %12s %10s\n", "page", "requests/s", "non-2xx"
   printf "%-28s %12.1f %10d\n", "trivial CGI (fixed page)", t, tb
@@ -101,5 +112,5 @@ awk -v t="$trivial_rate" -v d="$display_rate" -v tb="$trivial_bad" -v db="$displ
   printf "display / trivial = %.2f (target: at least 0.50)\n", d / t
   printf "peak RSS of one LXRAdmin process: %.1f MB (target: under 8 MB)\n", kb / 1024
   if (ct > 0)
-    printf "CPU per process: display %.2f ms, trivial %.2f ms, ratio %.2f (target: at most 2.0)\n", cd / 2, ct / 2, cd / ct
+    printf "CPU per process (%d rounds of %d, min / median): display %.2f / %.2f ms, trivial %.2f / %.2f ms, ratio of medians %.2f (target: at most 2.0)\n", rounds, runs, cdm, cd, ctm, ct, cd / ct
 }'

@@ -334,10 +334,10 @@ bool ReadLdap(Reader& r, const toml::table& t, int index, Config* config) {
                       where +
                           ": a password is not written here; name a file with "
                           "'password_file' or an environment variable with 'password_env'");
-    if (!r.OnlyKeys(
-            t, where.c_str(),
-            {"url", "bind_dn", "password_file", "password_env", "tls", "ca_file", "tls_verify",
-             "timeout_ms", "audit", "auxiliary_class", "policy", "default_policy", "access_log"}) ||
+    if (!r.OnlyKeys(t, where.c_str(),
+                    {"url", "bind_dn", "password_file", "password_env", "tls", "ca_file",
+                     "tls_verify", "timeout_ms", "audit", "auxiliary_class", "policy",
+                     "default_policy", "access_log", "policy_base"}) ||
         !r.String(t, "url", where.c_str(), true, &l.url))
         return false;
     if (!IsLdapUrl(l.url) || l.url.find_first_of(" \t") != std::string::npos)
@@ -358,7 +358,8 @@ bool ReadLdap(Reader& r, const toml::table& t, int index, Config* config) {
         !r.String(t, "auxiliary_class", where.c_str(), false, &l.auxiliaryClass) ||
         !r.String(t, "policy", where.c_str(), false, &policy) ||
         !r.String(t, "default_policy", where.c_str(), false, &l.defaultPolicy) ||
-        !r.String(t, "access_log", where.c_str(), false, &l.accessLog))
+        !r.String(t, "access_log", where.c_str(), false, &l.accessLog) ||
+        !r.String(t, "policy_base", where.c_str(), false, &l.policyBase))
         return false;
     if (policy != "" && policy != "ppolicy")
         return r.Fail(l.line, where + ": 'policy' must be 'ppolicy' or left out");
@@ -366,9 +367,11 @@ bool ReadLdap(Reader& r, const toml::table& t, int index, Config* config) {
     if (l.serverPolicy && l.defaultPolicy.find('=') == std::string::npos)
         return r.Fail(l.line, where + ": policy 'ppolicy' needs 'default_policy', the DN of the " +
                                   "server's default policy entry");
-    if (!l.serverPolicy && (t.get("default_policy") || t.get("access_log")))
-        return r.Fail(l.line,
-                      where + ": 'default_policy' and 'access_log' need policy = 'ppolicy'");
+    if (!l.serverPolicy && (t.get("default_policy") || t.get("access_log") || t.get("policy_base")))
+        return r.Fail(l.line, where + ": 'default_policy', 'access_log' and 'policy_base' need " +
+                                  "policy = 'ppolicy'");
+    if (!l.policyBase.empty() && l.policyBase.find('=') == std::string::npos)
+        return r.Fail(l.line, where + ": 'policy_base' is not a distinguished name");
     if (!l.bindDn.empty() && l.bindDn.find('=') == std::string::npos)
         return r.Fail(l.line, where + ": 'bind_dn' is not a distinguished name");
     if (!l.passwordFile.empty() && !l.passwordEnv.empty())
@@ -470,7 +473,11 @@ int StrayNonAsciiLine(std::string_view text) {
     enum State { kPlain, kComment, kBasic, kLiteral, kMultiBasic, kMultiLiteral };
     State state = kPlain;
     int line = 1;
-    auto at = [&](size_t i, const char* s) { return text.compare(i, 3, s) == 0; };
+    // Every request reads the whole file, so a byte is looked at once and a
+    // triple quote only where a quote stands.
+    auto triple = [&](size_t i, char q) {
+        return i + 2 < text.size() && text[i + 1] == q && text[i + 2] == q;
+    };
     for (size_t i = 0; i < text.size(); ++i) {
         char c = text[i];
         if (c == '\n') {
@@ -478,37 +485,34 @@ int StrayNonAsciiLine(std::string_view text) {
             if (state == kComment || state == kBasic || state == kLiteral) state = kPlain;
             continue;
         }
-        bool escape = c == '\\' && i + 1 < text.size() && text[i + 1] != '\n';
         switch (state) {
             case kPlain:
                 if (static_cast<unsigned char>(c) >= 0x80) return line;
                 if (c == '#') {
                     state = kComment;
-                } else if (at(i, "\"\"\"") || at(i, "'''")) {
-                    state = c == '"' ? kMultiBasic : kMultiLiteral;
-                    i += 2;
                 } else if (c == '"' || c == '\'') {
-                    state = c == '"' ? kBasic : kLiteral;
+                    bool multi = triple(i, c);
+                    state = c == '"' ? (multi ? kMultiBasic : kBasic)
+                                     : (multi ? kMultiLiteral : kLiteral);
+                    if (multi) i += 2;
                 }
                 break;
             case kComment:
                 break;
             case kBasic:
-                if (escape)
+            case kMultiBasic:
+                if (c == '\\' && i + 1 < text.size() && text[i + 1] != '\n') {
                     ++i;
-                else if (c == '"')
+                } else if (c == '"' && (state == kBasic || triple(i, c))) {
+                    if (state == kMultiBasic) i += 2;
                     state = kPlain;
+                }
                 break;
             case kLiteral:
-                if (c == '\'') state = kPlain;
-                break;
-            case kMultiBasic:
             case kMultiLiteral:
-                if (state == kMultiBasic && escape) {
-                    ++i;
-                } else if (at(i, state == kMultiBasic ? "\"\"\"" : "'''")) {
+                if (c == '\'' && (state == kLiteral || triple(i, c))) {
+                    if (state == kMultiLiteral) i += 2;
                     state = kPlain;
-                    i += 2;
                 }
                 break;
         }

@@ -75,6 +75,9 @@ struct LdapConfig {
     bool serverPolicy = false;
     std::string defaultPolicy;  // the overlay's default policy entry (users without their own)
     std::string accessLog = "cn=accesslog";  // the access log database's suffix; "": no history
+    // Where the per-user policies of lifetime and inactivity overrides are
+    // created (ldap/policy_override.h); "": those fields cannot be written.
+    std::string policyBase;
     int line = 0;
 };
 

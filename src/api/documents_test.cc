@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "document_checker.h"
+#include "support/user_document.h"
 
 namespace lxrapi {
 namespace {
@@ -34,18 +34,18 @@ TEST(DocumentsTest, UserDocumentReadsBackUnderTheStrictRules) {
     view.groups.push_back({&vpn, true, false, Membership::kNotMember});
 
     std::string text = WriteUserDocument(view);
-    testing::DocumentChecker checker;
-    testing::CheckedUser user;
-    ASSERT_TRUE(checker.ReadUser(text, &user)) << checker.error << "\n" << text;
-    EXPECT_EQ(user.name, view.dn);
-    EXPECT_EQ(user.disabled, view.disabled);
+    lxrtest::UserDocument user;
+    std::string error;
+    ASSERT_TRUE(lxrtest::ReadUserDocument(text, user, error)) << error << "\n" << text;
+    EXPECT_EQ(user.user.name, view.dn);
+    EXPECT_EQ(user.user.disabled, view.disabled);
     EXPECT_EQ(user.sectionPrompts,
               (std::vector<std::string>{"#Account Status", "#Password", "#Activity and History",
                                         "#Redirects", "#Groups"}));
     ASSERT_EQ(user.attributes.size(), view.attributes.size());
     for (size_t i = 0; i < user.attributes.size(); ++i) {
         const AttributeView& want = view.attributes[i];
-        const testing::CheckedAttribute& got = user.attributes[i];
+        const AttributeElement& got = user.attributes[i];
         EXPECT_EQ(got.name, want.info->name);
         EXPECT_EQ(got.prompt, want.info->prompt);
         EXPECT_EQ(got.read, want.read);
@@ -56,10 +56,10 @@ TEST(DocumentsTest, UserDocumentReadsBackUnderTheStrictRules) {
     ASSERT_EQ(user.groups.size(), 3u);
     EXPECT_EQ(user.groups[0].reasoncode, "Locked by policy");
     EXPECT_EQ(user.groups[0].name, "locked");  // the identifier, never the DN
-    EXPECT_EQ(user.groups[0].member, "true");
-    EXPECT_EQ(user.groups[1].member, "restricted");
+    EXPECT_EQ(user.groups[0].member, ::Membership::kMember);
+    EXPECT_EQ(user.groups[1].member, ::Membership::kUnknown);
     EXPECT_FALSE(user.groups[1].read);
-    EXPECT_EQ(user.groups[2].member, "false");
+    EXPECT_EQ(user.groups[2].member, ::Membership::kNotMember);
     EXPECT_EQ(user.groups[2].reasoncode, "");
     // The byte forms the reader insists on.
     EXPECT_NE(text.find("<Group name=\"vpn-users\" prompt=\"VPN\" read=\"false\" "
@@ -73,9 +73,9 @@ TEST(DocumentsTest, UserWithoutAttributesOrDisabledReason) {
     view.dn = "uid=x,o=t";
     std::string text = WriteUserDocument(view);
     EXPECT_EQ(text, "<User name=\"uid=x,o=t\">\n</User>\n");
-    testing::DocumentChecker checker;
-    testing::CheckedUser user;
-    EXPECT_TRUE(checker.ReadUser(text, &user)) << checker.error;
+    lxrtest::UserDocument user;
+    std::string error;
+    EXPECT_TRUE(lxrtest::ReadUserDocument(text, user, error)) << error;
 }
 
 TEST(DocumentsTest, DirectoryListCarriesIdentifiersAsText) {
@@ -85,41 +85,13 @@ TEST(DocumentsTest, DirectoryListCarriesIdentifiersAsText) {
     b.id = "p2";
     b.name = "Partners & Co";
     std::string text = WriteDirectoryList({&a, &b});
-    testing::DocumentChecker checker;
-    std::vector<std::pair<std::string, std::string>> list;
-    ASSERT_TRUE(checker.ReadDirectories(text, &list)) << checker.error << "\n" << text;
-    ASSERT_EQ(list.size(), 2u);
-    EXPECT_EQ(list[0], std::make_pair(std::string("Example Staff"), std::string("staff")));
-    EXPECT_EQ(list[1].first, "Partners & Co");
-    EXPECT_EQ(list[1].second, "p2");  // no trailing blank or line end in the identifier
-    ASSERT_TRUE(checker.ReadDirectories(WriteDirectoryList({}), &list));
+    DirectoryTable list;
+    std::string error;
+    ASSERT_TRUE(lxrtest::ReadDirectories(text, list, error)) << error << "\n" << text;
+    // No trailing blank or line end in an identifier.
+    EXPECT_EQ(list, (DirectoryTable{{"Example Staff", "staff"}, {"Partners & Co", "p2"}}));
+    ASSERT_TRUE(lxrtest::ReadDirectories(WriteDirectoryList({}), list, error)) << error;
     EXPECT_TRUE(list.empty());
-}
-
-// The checker itself must refuse what the program's reader refuses.
-TEST(DocumentsTest, CheckerRefusesMalformedDocuments) {
-    const char* bad[] = {
-        "<User name = \"x\"></User>",
-        "<User name=\"\"></User>",
-        "<User name=\"x\"><Attribute name=\"a\" read=\"TRUE\"></Attribute></User>",
-        "<User name=\"x\"><Attribute name=\"a\" read=\"true\" read=\"true\"></Attribute></User>",
-        "<User name=\"x\"><Attribute name=\"a\"/></User>",
-        "<User name=\"x\"><Group name=\"g\" member=\"maybe\"/></User>",
-        "<User name=\"x\"><Group name=\"g\"></User>",
-        "<User name=\"x\"><Section name=\"s\"><Section name=\"t\"></Section></User>",
-        "<User name=\"x\"><Section/></User>",
-        "<User name=\"x\"></User>trailing",
-    };
-    testing::DocumentChecker checker;
-    testing::CheckedUser user;
-    for (const char* text : bad) EXPECT_FALSE(checker.ReadUser(text, &user)) << text;
-    EXPECT_TRUE(
-        checker.ReadUser("<User name=\" x\"><Attribute read=\" true \"><Value>  5 "
-                         "</Value></Attribute></User>",
-                         &user))
-        << checker.error;
-    EXPECT_EQ(user.name, "x");
-    EXPECT_EQ(user.attributes[0].values[0], "5 ");
 }
 
 }  // namespace

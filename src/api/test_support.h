@@ -10,6 +10,7 @@
 
 #include "config.h"
 #include "memory_store.h"
+#include "support/temp_dir.h"
 #include "tool/ldif_io.h"
 
 namespace lxrapi::testing {
@@ -157,22 +158,6 @@ struct Fixture {
     }
 };
 
-// A fresh folder under TMPDIR, removed with its files at the end.
-class TempDir {
-  public:
-    TempDir() {
-        const char* base = std::getenv("TMPDIR");
-        std::string pattern = std::string(base && *base ? base : "/tmp") + "/lxrapi-test-XXXXXX";
-        path_ = mkdtemp(pattern.data()) ? pattern : std::string();
-    }
-    ~TempDir() {
-        if (!path_.empty()) std::system(("rm -rf '" + path_ + "'").c_str());
-    }
-    const std::string& path() const { return path_; }
-    std::string File(const std::string& name) const { return path_ + "/" + name; }
-
-  private:
-    std::string path_;
-};
+using lxrtest::TempDir;
 
 }  // namespace lxrapi::testing

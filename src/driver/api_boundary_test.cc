@@ -93,8 +93,4 @@ TEST_F(GetMsgTest, UnknownResultsWithoutCatalogueUseTheFallback) {
     }
 }
 
-TEST(Qualifier, IsNull) {
-    EXPECT_EQ(Qualifier, nullptr);
-}
-
 }  // namespace

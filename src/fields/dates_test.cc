@@ -1,14 +1,21 @@
 #include "fields/dates.h"
 
+#include <gtest/gtest.h>
+
 #include <string>
 #include <vector>
 
-#include "fields/fields_test_support.h"
+#include "fields/field_model.h"
+#include "i18n/language.h"
+#include "platform/formatter.h"
+#include "support/request_reset.h"
 
-namespace fields_test {
 namespace {
 
-class DatesTest : public FieldsTest {};
+using lxrtest::CaptureStdout;
+using lxrtest::SetZone;
+
+class DatesTest : public lxrtest::RequestTest {};
 
 // The "When" script lines and local label for one GMT text.
 std::string Local(const std::string& gmt) {
@@ -146,14 +153,6 @@ TEST_F(DatesTest, DateSomethingRendersDateAndRest) {
     EXPECT_EQ(CaptureStdout([] { DateSomething(nullptr, "x"); }), "Not&nbsp;Set\n");
 }
 
-TEST_F(DatesTest, DateSomethingOmitsEmptyLocalLabel) {
-    tagLocal.clear();
-    EXPECT_EQ(CaptureStdout([] { DateSomething("20050105102030Z", "x"); }),
-              "<span class=\"INNERPROMPT\">When:&nbsp;</span>\n<SCRIPT LANGUAGE=\"JavaScript\">\n"
-              "<!--\n    document.write(LocalDate('Wed, 5 Jan 2005 10:20:30 GMT'));\n//-->\n"
-              "</SCRIPT>\n");
-}
-
 TEST_F(DatesTest, SomethingDateSomethingRendersWordDateAndRest) {
     const std::string count = "<span class=\"INNERPROMPT\">Count:&nbsp;</span>\n";
     const std::string when = "<span class=\"INNERPROMPT\">&nbsp;&nbsp;<wbr>When:&nbsp;</span>\n";
@@ -182,5 +181,33 @@ TEST_F(DatesTest, SomethingDateSomethingRendersWordDateAndRest) {
     }
 }
 
+// LXR_NOW fixes the request's instant only when it is all digits and fits.
+TEST_F(DatesTest, NowHonoursFixedClock) {
+    struct Row {
+        const char* env;  // null: unset
+        bool fixed;
+        time_t expected;
+    };
+    const Row rows[] = {
+        {"1104920430", true, 1104920430},
+        {"0", true, 0},
+        {"12abc", false, 0},
+        {"-5", false, 0},
+        {"", false, 0},
+        {"99999999999999999999999", false, 0},
+        {nullptr, false, 0},
+    };
+    for (const Row& row : rows) {
+        lxrtest::ScopedEnv env("LXR_NOW", row.env);
+        time_t before = time(nullptr);
+        InitNow();
+        if (row.fixed) {
+            EXPECT_EQ(Now, row.expected) << row.env;
+        } else {
+            EXPECT_GE(Now, before) << (row.env ? row.env : "(unset)");
+            EXPECT_LE(Now, time(nullptr));
+        }
+    }
+}
+
 }  // namespace
-}  // namespace fields_test

@@ -7,56 +7,19 @@
 #include "cgi/fields.h"
 #include "cgi/response.h"
 #include "html/page.h"
-#include "html/testing/capture.h"
-#include "html/testing/translators.h"
+#include "i18n/language.h"
+#include "support/request_reset.h"
+#include "support/translators.h"
 
 namespace {
 
-class ErrorPageTest : public ::testing::Test {
-  protected:
-    void SetUp() override {
-        lxrtest::UseDefaultTranslators();
-        bOutputHTTPHeader = false;
-        bOutputHTMLHeader = false;
-        charsetUsed = "UTF-8";
-        Args.clear();
-    }
-};
+class ErrorPageTest : public lxrtest::RequestTest {};
 
 // Everything after the page head, which the page tests cover.
 std::string AfterHead(const std::string& page) {
     const std::string end = "</SCRIPT>\n</head>\n\n";
     size_t at = page.find(end);
     return at == std::string::npos ? "<no head in: " + page + ">" : page.substr(at + end.size());
-}
-
-TEST_F(ErrorPageTest, DoErrorWithAndWithoutReturnLink) {
-    const std::string script =
-        "<SCRIPT LANGUAGE=\"JavaScript\">\n<!--\n"
-        "      alert(\"Can't \"read\" <user>\");\n"
-        "      window.history.back()\n"
-        "//-->\n</SCRIPT>\n"
-        "<noscript>\n<span align=\"center\">\n"
-        "<h1>Can't \"read\" <user></h1><br>\n";
-    EXPECT_EQ(lxrtest::CaptureStdout([] { DoError("Can't \"read\" <user>", nullptr); }),
-              script + "</span>\n</noscript>\n");
-    EXPECT_EQ(lxrtest::CaptureStdout([] { DoError("Can't \"read\" <user>", "/back?x=1"); }),
-              script +
-                  "<a href=\"/back?x=1\">[KV-LXR-12013] Click here to return.</a>\n"
-                  "</span>\n</noscript>\n");
-    EXPECT_FALSE(bOutputHTTPHeader);  // a fragment only
-    EXPECT_FALSE(bOutputHTMLHeader);
-}
-
-TEST_F(ErrorPageTest, DumpXMLEscapesOnlyAngleBrackets) {
-    std::string page = lxrtest::CaptureStdout([] { DumpXML("a<b>&c"); });
-    EXPECT_EQ(page.rfind("Status: 200 OK\nContent-Type: text/html;charset=UTF-8\n\n<html>\n", 0),
-              0u);
-    EXPECT_NE(page.find("<title>LXR Administration Service</title>\n"
-                        "<meta name=\"Description\" content=\"LXR Administration Service\">\n"),
-              std::string::npos);
-    EXPECT_EQ(AfterHead(page),
-              "<h1>XML Dump</h1>\n<hr><pre>\na&lt;b&gt;&c</pre><hr>\n</body>\n</html>\n");
 }
 
 TEST_F(ErrorPageTest, DumpXMLUsesTheStatusKeyWithItsBlank) {
@@ -75,35 +38,6 @@ TEST_F(ErrorPageTest, DumpXMLAfterOutputAddsNoSecondHead) {
     EXPECT_EQ(page.find("<html>\n", page.find("<html>\n") + 1), std::string::npos);
     EXPECT_EQ(AfterHead(page),
               "<h1>XML Dump</h1>\n<hr><pre>\n&lt;x/&gt;</pre><hr>\n</body>\n</html>\n");
-}
-
-TEST_F(ErrorPageTest, InvalidXMLShowsDocumentAndWhereReadingStopped) {
-    struct Case {
-        const char* xml;
-        size_t stop;  // offset of the error position
-        const char* tail;
-    };
-    const Case cases[] = {
-        {"<User name=\"a\"><Bad/></User>", 15, "&lt;Bad/&gt;&lt;/User&gt;"},
-        {"<User>", 6, ""},  // stopped at the end: an empty second block
-        {"a&b", 0, "a&b"},
-    };
-    for (const Case& c : cases) {
-        bOutputHTTPHeader = false;
-        bOutputHTMLHeader = false;
-        std::string page = lxrtest::CaptureStdout([&] { InvalidXML(c.xml, c.xml + c.stop); });
-        EXPECT_EQ(page.rfind("Status: 503 SERVICE UNAVAILABLE\n", 0), 0u) << c.xml;
-        std::string shown;
-        for (const char* p = c.xml; *p; ++p) {
-            shown += *p == '<' ? "&lt;" : *p == '>' ? "&gt;" : std::string(1, *p);
-        }
-        EXPECT_EQ(AfterHead(page), "<h1>XML Parse Error</h1>\n<hr><pre>\n" + shown +
-                                       "</pre><hr><pre>\n" + c.tail +
-                                       "</pre><hr>\n</body>\n</html>\n")
-            << c.xml;
-        // The message itself is not shown.
-        EXPECT_EQ(page.find("Invalid data from LXR API."), std::string::npos);
-    }
 }
 
 TEST_F(ErrorPageTest, InvalidXMLRedirectsWhenTheMessageIsAURL) {

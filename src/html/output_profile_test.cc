@@ -8,24 +8,34 @@ namespace {
 
 using Writer = std::string (*)(const char*);
 
-// The default profile must leave every byte as it is; the strict one, for
-// the two contexts that combine escapings, must apply them in the order the
-// browser undoes them (attribute first, then script; script, then markup).
-TEST(OutputProfileTest, DefaultKeepsBytesStrictCombinesEscapings) {
+// The default profile must leave every byte as it is; the strict one must
+// escape for each context, and for the two that combine escapings apply them
+// in the order the browser undoes them (attribute first, then script;
+// script, then markup).
+TEST(OutputProfileTest, DefaultKeepsBytesStrictEscapesEveryContext) {
     const char* attack = "x'\"</SCRIPT><b>&";
-    const Writer writers[] = {OutText, OutAttr, OutScript, OutHandler, OutScriptHtml, OutUrlArg};
-    SetStrictOutput(false);
-    for (Writer writer : writers) {
-        EXPECT_EQ(writer(attack), attack);
-        EXPECT_EQ(writer(nullptr), "");
+    const struct {
+        Writer writer;
+        const char* strict;
+    } cases[] = {
+        {OutText, "x'\"&lt;/SCRIPT&gt;&lt;b&gt;&amp;"},
+        {OutAttr, "x&#39;&quot;&lt;/SCRIPT&gt;&lt;b&gt;&amp;"},
+        {OutScript, "x\\'\\\"\\x3C/SCRIPT\\x3E\\x3Cb\\x3E\\x26"},
+        // The browser gives the script back "x\'\"\x3C..." once it has read
+        // the attribute.
+        {OutHandler, "x\\&#39;\\&quot;\\x3C/SCRIPT\\x3E\\x3Cb\\x3E\\x26"},
+        // LogEntry writes the string into the document: markup must arrive as
+        // entities.
+        {OutScriptHtml, "x\\'\\\"\\x26lt;/SCRIPT\\x26gt;\\x26lt;b\\x26gt;\\x26amp;"},
+        {OutUrlArg, "x%27%22%3C%2FSCRIPT%3E%3Cb%3E%26"},
+    };
+    for (const auto& c : cases) {
+        SetStrictOutput(false);
+        EXPECT_EQ(c.writer(attack), attack);
+        EXPECT_EQ(c.writer(nullptr), "");
+        SetStrictOutput(true);
+        EXPECT_EQ(c.writer(attack), c.strict);
     }
-    SetStrictOutput(true);
-    // The browser gives the script back "x\'\"\x3C..." once it has read the
-    // attribute.
-    EXPECT_EQ(OutHandler(attack), "x\\&#39;\\&quot;\\x3C/SCRIPT\\x3E\\x3Cb\\x3E\\x26");
-    // LogEntry writes the string into the document: markup must arrive as
-    // entities.
-    EXPECT_EQ(OutScriptHtml(attack), "x\\'\\\"\\x26lt;/SCRIPT\\x26gt;\\x26lt;b\\x26gt;\\x26amp;");
     SetStrictOutput(false);
 }
 

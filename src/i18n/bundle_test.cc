@@ -6,7 +6,11 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <fstream>
 #include <string>
+
+#include "support/capture.h"
+#include "support/temp_dir.h"
 
 namespace {
 
@@ -70,52 +74,13 @@ TEST(CatalogueDirectory, EnvironmentOrBesideTheExecutable) {
     unsetenv("LXRADMIN_CATALOGUE");
 }
 
-TEST(GetBundle, CompiledGermanBundle) {
-    setenv("LXRADMIN_CATALOGUE", LXR_CATALOGUE_DIR, 1);
-    auto bundle = CKvXlate::GetBundle("LXRAdmin", "de-DE");
-    ASSERT_NE(bundle, nullptr);
-    EXPECT_STREQ(bundle->LocaleName(), "de");
-    EXPECT_STREQ(bundle->Lookup("KV-LXR-12011"),
-                 "Schlie\xC3\x9F"
-                 "en");
-    EXPECT_STREQ(bundle->Lookup("#Groups"), "Gruppen");
-    EXPECT_EQ(bundle->Lookup("KV-LXR-99999"), nullptr);
-    EXPECT_EQ(bundle->Lookup(nullptr), nullptr);
-    const char* first = bundle->Lookup("KV-LXR-12000");
-    EXPECT_EQ(bundle->Lookup("KV-LXR-12000"), first);  // kept, not converted again
-
-    auto cli = CKvXlate::GetBundle("KvCPW", "de");
-    ASSERT_NE(cli, nullptr);
-    EXPECT_STREQ(cli->Lookup("KV-LXR-12151"), "\a");
-    std::string usage = cli->Lookup("KV-LXR-12150");
-    EXPECT_EQ(usage.rfind("Syntax:\n        LXRAdmin -A<adminPath>", 0), 0u);
-    EXPECT_EQ(usage.find("\n        -W<xmlPath>      "), usage.rfind('\n'));
-
-    EXPECT_EQ(CKvXlate::GetBundle("LXRAdmin", "en"), nullptr);
-    EXPECT_EQ(CKvXlate::GetBundle("LXRAdmin", ""), nullptr);
-    EXPECT_EQ(CKvXlate::GetBundle("LXRAdmin", nullptr), nullptr);
-    EXPECT_EQ(CKvXlate::GetBundle(nullptr, "de"), nullptr);
-    setenv("LXRADMIN_CATALOGUE", "/no/such/dir", 1);
-    EXPECT_EQ(CKvXlate::GetBundle("LXRAdmin", "de"), nullptr);
-    unsetenv("LXRADMIN_CATALOGUE");
-}
-
 TEST(GetBundle, UnreadableFileMeansNoBundle) {
-    char dir[] = "/tmp/lxr-catalogue-XXXXXX";
-    ASSERT_NE(mkdtemp(dir), nullptr);
-    std::string tree = std::string(dir) + "/LXRAdmin";
+    lxrtest::TempDir dir;
+    std::string tree = dir.File("LXRAdmin");
     ASSERT_EQ(mkdir(tree.c_str(), 0700), 0);
-    std::string file = tree + "/de.res";
-    FILE* f = std::fopen(file.c_str(), "w");
-    ASSERT_NE(f, nullptr);
-    std::fputs("not a resource bundle", f);
-    std::fclose(f);
-    setenv("LXRADMIN_CATALOGUE", dir, 1);
+    std::ofstream(tree + "/de.res") << "not a resource bundle";
+    lxrtest::ScopedEnv catalogue("LXRADMIN_CATALOGUE", dir.path().c_str());
     EXPECT_EQ(CKvXlate::GetBundle("LXRAdmin", "de"), nullptr);
-    unsetenv("LXRADMIN_CATALOGUE");
-    unlink(file.c_str());
-    rmdir(tree.c_str());
-    rmdir(dir);
 }
 
 // A formatted text and the text it must be.

@@ -25,44 +25,6 @@ std::string Text(CLanguage& l, const char* key, const char* def) {
     return buf;
 }
 
-TEST(CLanguage, EnglishDefaultsWithoutCatalogue) {
-    for (const char* locale : {"", "en", "de", "fr,de;q=0.8"}) {
-        auto lang = Open(kNoCatalogue, "LXRAdmin", locale);
-        auto withId = Open(kNoCatalogue, "LXRAdmin", locale, true);
-        EXPECT_EQ(Text(*lang, "KV-LXR-12000", "Enter User Specification"),
-                  "Enter User Specification");
-        EXPECT_EQ(Text(*withId, "KV-LXR-15010", "New and Confirm passwords do not match!"),
-                  "[KV-LXR-15010] New and Confirm passwords do not match!");
-        EXPECT_EQ(Text(*lang, "#Account Status", "Account Status"), "Account Status");
-    }
-}
-
-TEST(CLanguage, GermanCatalogue) {
-    struct Case {
-        const char* key;
-        const char* def;
-        const char* want;
-    } cases[] = {
-        {"KV-LXR-12000", "Enter User Specification", "Benutzer angeben"},
-        {"KV-LXR-12024", "Not&nbsp;Set", "Nicht&nbsp;gesetzt"},
-        {"KV-LXR-12049", "Mar", "M\xC3\xA4r"},
-        {"KV-LXR-12503 ", "503 SERVICE UNAVAILABLE", "503 Dienst nicht verfuegbar"},
-        {"KV-LXR-12200 ", "200 OK", "200 OK"},
-        {"KV-LXR-12022", " ", " "},
-        {"#Account Status", "Account Status", "Kontostatus"},
-        {"#Activity and History", "Activity and History", "Aktivit\xC3\xA4t und Verlauf"},
-        {"#Not Translated", "Not Translated", "Not Translated"},
-        {"KV-LXR-99999", "fallback", "fallback"},
-    };
-    for (const char* locale : {"de", "de-DE", "de-AT;q=0.9,sv"}) {
-        auto lang = Open(LXR_CATALOGUE_DIR, "LXRAdmin", locale);
-        for (const Case& c : cases) EXPECT_EQ(Text(*lang, c.key, c.def), c.want) << c.key;
-    }
-    // The table's key for the status line has no blank; the call sites' one has.
-    auto lang = Open(LXR_CATALOGUE_DIR, "LXRAdmin", "de");
-    EXPECT_EQ(Text(*lang, "KV-LXR-12503", "x"), "503 Dienst nicht verfuegbar");
-}
-
 TEST(CLanguage, AcceptListChoosesFirstBundle) {
     struct Case {
         const char* locale;
@@ -87,37 +49,6 @@ TEST(CLanguage, AcceptListChoosesFirstBundle) {
         auto lang = Open(LXR_CATALOGUE_DIR, "LXRAdmin", c.locale);
         EXPECT_EQ(Text(*lang, "KV-LXR-12001", "Directory"), c.want) << c.locale;
     }
-}
-
-TEST(CLanguage, FormattedTexts) {
-    char buf[4096];
-    auto cli = Open(LXR_CATALOGUE_DIR, "KvCPW", "de", true);
-    ASSERT_EQ(cli->Translate(buf, sizeof buf, "KV-LXR-12152 ", "Access Denied", -1,
-                             " Error {1} returned.\nMessage: {0}"),
-              1);
-    EXPECT_STREQ(buf,
-                 "[KV-LXR-12152 ]  Fehler -1 zur\xC3\xBC"
-                 "ckgegeben.\nMeldung: Access Denied");
-    cli->Translate(buf, sizeof buf, "KV-LXR-12153", "/tmp/u.xml", "No such file or directory", 2,
-                   "Unable to open: {0} ({2})\n       Message: {1}");
-    EXPECT_STREQ(buf,
-                 "[KV-LXR-12153] \xC3\x96"
-                 "ffnen nicht m\xC3\xB6glich: /tmp/u.xml (2)\n"
-                 "       Meldung: No such file or directory");
-
-    auto english = Open(kNoCatalogue, "KvCPW", "en", true);
-    english->Translate(buf, sizeof buf, "KV-LXR-12153", "/tmp/u.xml", "Permission denied", 13,
-                       "Unable to open: {0} ({2})\n       Message: {1}");
-    EXPECT_STREQ(buf,
-                 "[KV-LXR-12153] Unable to open: /tmp/u.xml (13)\n       Message: "
-                 "Permission denied");
-    english->Translate(buf, sizeof buf, "KV-LXR-12067", 1234, "Unknown return from API (%0)");
-    EXPECT_STREQ(buf, "[KV-LXR-12067] Unknown return from API (%0)");
-    auto german = Open(LXR_CATALOGUE_DIR, "LXRAdmin", "de");
-    german->Translate(buf, sizeof buf, "KV-LXR-12067", 12345L, "Unknown return from API (%0)");
-    EXPECT_STREQ(buf,
-                 "Unbekannte R\xC3\xBC"
-                 "ckmeldung der API (12345)");  // plain number
 }
 
 TEST(CLanguage, TestCatalogueCases) {

@@ -2,13 +2,16 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <string>
-
-#include "pages/testing/pages_fixture.h"
+#include <vector>
 
 namespace {
 
-using pagestest::Offset;
+// Where a reader stopped, as an offset into the text it was given.
+long Offset(const char* text, const char* cursor) {
+    return cursor - text;
+}
 
 // A malformed element and where its reader must stop, named by the rest of
 // the text from the fault on: "" is the final NUL, null the very start.

@@ -2,45 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include "pages/testing/pages_fixture.h"
+#include "cgi/fields.h"
+#include "fields/field_model.h"
+#include "pages/user_display.h"
+#include "support/request_reset.h"
 
 namespace {
 
-using pagestest::ResetPageGlobals;
-using pagestest::UseCatalogue;
-
-class SectionGroupTest : public pagestest::PagesTest {};
-
-TEST_F(SectionGroupTest, SectionRows) {
-    UseCatalogue({{"#Head Default", "Translated Head"}});
-    struct Case {
-        const char* text;
-        const char* html;
-    } cases[] = {
-        {"name=\"Status\">",
-         "<tr><td class=\"SECTIONBOX\" colspan=\"3\">\n"
-         "<span class=\"SECTION\">Status</span>\n</td></tr>\n"},
-        {"name=\"n\" prompt=\"Account &amp; Co\">",
-         "<tr><td class=\"SECTIONBOX\" colspan=\"3\">\n"
-         "<span class=\"SECTION\">Account &amp; Co</span>\n</td></tr>\n"},
-        {"prompt=\"#Head Default\">",
-         "<tr><td class=\"SECTIONBOX\" colspan=\"3\">\n"
-         "<span class=\"SECTION\">Translated Head</span>\n</td></tr>\n"},
-        // Neither name nor prompt: a plain divider.
-        {">",
-         "<tr><td class=\"SECTIONBOX\" colspan=\"3\">\n<hr class=\"INTERSECTION\">\n</td></tr>\n"},
-    };
-    for (const Case& c : cases) {
-        bNewSection = false;
-        const char* cursor = c.text;
-        bool ok = false;
-        std::string out = Capture([&] { ok = ProcessSection(cursor); });
-        EXPECT_TRUE(ok) << c.text;
-        EXPECT_EQ(*cursor, '>') << c.text;
-        EXPECT_EQ(out, c.html) << c.text;
-        EXPECT_TRUE(bNewSection) << c.text;
-    }
-}
+class SectionGroupTest : public lxrtest::RequestTest {};
 
 TEST_F(SectionGroupTest, MalformedElementsWriteNothing) {
     const char* texts[] = {"/>", "name=\"s\" name=\"t\">", "name=\"s\"", "read=\"true\">"};
@@ -48,7 +17,7 @@ TEST_F(SectionGroupTest, MalformedElementsWriteNothing) {
         bNewSection = false;
         const char* cursor = text;
         bool ok = true;
-        EXPECT_EQ(Capture([&] { ok = ProcessSection(cursor); }), "") << text;
+        EXPECT_EQ(lxrtest::CaptureStdout([&] { ok = ProcessSection(cursor); }), "") << text;
         EXPECT_FALSE(ok) << text;
         EXPECT_FALSE(bNewSection) << text;
     }
@@ -57,7 +26,7 @@ TEST_F(SectionGroupTest, MalformedElementsWriteNothing) {
     for (const char* text : groups) {
         const char* cursor = text;
         bool ok = true;
-        EXPECT_EQ(Capture([&] { ok = ProcessGroup(cursor); }), "") << text;
+        EXPECT_EQ(lxrtest::CaptureStdout([&] { ok = ProcessGroup(cursor); }), "") << text;
         EXPECT_FALSE(ok) << text;
     }
     EXPECT_TRUE(OutputFields.empty());
@@ -80,7 +49,7 @@ TEST_F(SectionGroupTest, GroupRowsByReadWriteAndMember) {
     } cases[] = {
         {"name=\"cn=g\" prompt=\"Staff\" read=\"true\" write=\"true\" member=\"true\" "
          "reasoncode=\"r\"/>",
-         false, "Disabled.gif\" title=\"DISABLED-TAG\"",
+         false, "Disabled.gif\" title=\"User will not be able to login\"",
          "<INPUT TYPE=\"CHECKBOX\" NAME=\"GROUP-cn=g\" checked onClick=\"CheckDisabled('cn=g');\">",
          "GROUP-cn=g=1\n", 1},
         // The label falls back to the name; no reason code, no picture, no onClick.
@@ -110,11 +79,11 @@ TEST_F(SectionGroupTest, GroupRowsByReadWriteAndMember) {
          "Blank.gif\" title=\"\"", "<span class=\"GROUPMEMBER\">No</span>", "", 0},
     };
     for (const Case& c : cases) {
-        ResetPageGlobals();
+        StartRequest();
         if (c.readOnly) Args["ReadOnly"] = "1";
         const char* cursor = c.text;
         bool ok = false;
-        std::string out = Capture([&] { ok = ProcessGroup(cursor); });
+        std::string out = lxrtest::CaptureStdout([&] { ok = ProcessGroup(cursor); });
         EXPECT_TRUE(ok) << c.text;
         EXPECT_STREQ(cursor, ">") << c.text;
         if (c.picture) {
@@ -127,22 +96,6 @@ TEST_F(SectionGroupTest, GroupRowsByReadWriteAndMember) {
         EXPECT_EQ(Fields(), c.fields) << c.text;
         EXPECT_EQ(DataMoves.size(), c.moves) << c.text;
     }
-}
-
-TEST_F(SectionGroupTest, LabelsComeFromTheCatalogue) {
-    UseCatalogue(
-        {{"#Staff members", "Personnel"}, {"KV-LXR-12071", "Oui"}, {"KV-LXR-12074", "Ajouter"}});
-    const char* cursor = "name=\"g\" prompt=\"#Staff members\" read=\"true\" member=\"true\"/>";
-    std::string out = Capture([&] { ProcessGroup(cursor); });
-    EXPECT_NE(out.find("<span class=\"PROMPT\">Personnel</span>\n"), std::string::npos) << out;
-    EXPECT_NE(out.find("<span class=\"GROUPMEMBER\">Oui</span>\n"), std::string::npos) << out;
-
-    // A "#" reason code stands in for a missing prompt, translated too.
-    cursor = "name=\"g\" reasoncode=\"#Locked out\" write=\"true\"/>";
-    out = Capture([&] { ProcessGroup(cursor); });
-    EXPECT_NE(out.find("<span class=\"PROMPT\">Locked out</span>\n"), std::string::npos) << out;
-    EXPECT_NE(out.find(">Ajouter</span>"), std::string::npos) << out;
-    EXPECT_NE(out.find(">No Change</span>"), std::string::npos) << out;
 }
 
 }  // namespace

@@ -2,17 +2,18 @@
 
 #include <gtest/gtest.h>
 
-#include "pages/testing/pages_fixture.h"
+#include "cgi/fields.h"
+#include "support/request_reset.h"
+#include "support/translators.h"
 
 namespace {
 
-using pagestest::ResetPageGlobals;
-using pagestest::UseCatalogue;
+using lxrtest::UseCatalogue;
 
-class UserDisplayTest : public pagestest::PagesTest {
+class UserDisplayTest : public lxrtest::RequestTest {
   protected:
     std::string Page(const char* document, int readResult = 1) {
-        return Capture([&] { UserDisplay(document, readResult); });
+        return lxrtest::CaptureStdout([&] { UserDisplay(document, readResult); });
     }
     // From `from` up to (not including) `to`, both searched in order.
     static std::string Between(const std::string& page, const char* from, const char* to) {
@@ -25,63 +26,6 @@ class UserDisplayTest : public pagestest::PagesTest {
 };
 
 constexpr const char* kEmptyUser = "<User name=\"cn=a, o=b\">\n</User>\n";
-
-TEST_F(UserDisplayTest, Buttons) {
-    const char* cancel = "<INPUT TYPE=\"BUTTON\" VALUE=\"Cancel\" onClick=\"window.location='";
-    const char* close = "<INPUT TYPE=\"BUTTON\" VALUE=\"Close\" onClick=\"window.close();\">\n";
-    const char* help =
-        "<INPUT TYPE=\"BUTTON\" VALUE=\"Help\" onClick=\"window.open('/h', "
-        "'LXRADMINHELP', '', true);\">\n";
-    struct Case {
-        pagestest::FieldMapInit args;
-        const char* returnTo;
-        const char* helpUrl;
-        pagestest::Catalogue texts;
-        std::string buttons;
-    } cases[] = {
-        {{}, nullptr, nullptr, {}, std::string(cancel) + "';\">\n"},  // no script name
-        // An argument without a value goes back without "=".
-        {{{"Flag", ""}, {"Mode", "x"}},
-         nullptr,
-         nullptr,
-         {},
-         std::string(cancel) + "?Flag&Mode=x';\">\n"},
-        {{{"CLOSE", ""}, {"CancelTo", "/c"}}, "/r", "/h", {}, std::string(close) + help},
-        {{{"CancelTo", "/c"}}, "/r", nullptr, {}, std::string(cancel) + "/c';\">\n"},
-        {{}, "/r", nullptr, {}, std::string(cancel) + "/r';\">\n"},
-        // An empty label: the caller's address is still offered, our own is not.
-        {{},
-         "/r",
-         nullptr,
-         {{"KV-LXR-12009", ""}},
-         "<INPUT TYPE=\"BUTTON\" VALUE=\"\" onClick=\"window.location='/r';\">\n"},
-        {{}, nullptr, nullptr, {{"KV-LXR-12009", ""}}, ""},
-        {{{"USER", "u"}, {"userdir", "d"}, {"a", "1"}},
-         nullptr,
-         "/h",
-         {},
-         std::string(cancel) + "?a=1';\">\n" + help},
-    };
-    for (const Case& c : cases) {
-        ResetPageGlobals();
-        UseCatalogue(c.texts);
-        for (const auto& arg : c.args) Args[arg.first] = arg.second;
-        lxrtest::ScopedEnv returnTo("HTTP_RETURNTO", c.returnTo);
-        lxrtest::ScopedEnv helpUrl("HTTP_HELPURL", c.helpUrl);
-        std::string page = Page(kEmptyUser);
-        const char* row = "</td></tr>\n<tr><td valign=\"middle\" align=\"center\">\n";
-        EXPECT_EQ(Between(page, row, "</td></tr>\n</table>\n"), row + c.buttons) << c.buttons;
-    }
-}
-
-TEST_F(UserDisplayTest, NewSectionFlag) {
-    Page("<User name=\"u\"><Section name=\"s\"></Section></User>");
-    EXPECT_TRUE(bNewSection);
-    ResetPageGlobals();
-    Page(
-        "<User name=\"u\"><Section name=\"s\"><Attribute name=\"a\"></Attribute></Section></User>");
-    EXPECT_FALSE(bNewSection);
-}
 
 // The 503 page with the rows after it is a whole-program case; a catalogue
 // text that is an address sends the browser there instead.
@@ -108,7 +52,7 @@ TEST_F(UserDisplayTest, FaultsFollowTheRowsWrittenBeforeThem) {
         {"<User name=\"u\"><Section prompt=\"S\"></Section></User>trailing", "trailing", true},
     };
     for (const Case& c : cases) {
-        ResetPageGlobals();
+        StartRequest();
         std::string page = Page(c.document);
         EXPECT_EQ(page.rfind("Status: 200 OK\n", 0), 0u) << c.document;
         size_t form = page.find("<FORM METHOD=\"POST\" NAME=\"DisplayForm\"");

@@ -4,11 +4,12 @@
 
 #include <string>
 
-#include "pages/testing/pages_fixture.h"
+#include "i18n/language.h"
+#include "support/translators.h"
 
 namespace {
 
-using pagestest::UseCatalogue;
+using lxrtest::UseCatalogue;
 
 TEST(LTrim, SkipsUnicodeBlanksAndLineEnds) {
     struct Case {

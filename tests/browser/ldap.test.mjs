@@ -5,7 +5,6 @@
 // with the right password succeeds.
 import assert from 'node:assert/strict';
 import { execFileSync, spawnSync } from 'node:child_process';
-import fs from 'node:fs';
 import path from 'node:path';
 import { after, before, test } from 'node:test';
 import { launchBrowser, newPage } from './lib/browser.mjs';
@@ -25,16 +24,9 @@ before(async () => {
   const work = process.env.LXR_LDAP_WORK;
   const source = process.env.LXR_SOURCE_DIR;
   execFileSync(process.env.LXR_LXRDIR, ['create', path.join(work, 'audit.db')]);
-  const config = fs.readFileSync(path.join(source, 'examples/ldap/lxrapi.toml'), 'utf8')
-    .replaceAll('ldap://127.0.0.1:3890', URL_)
-    .replace('"../../var/ldap.secret"', JSON.stringify(process.env.LXR_LDAP_PASSWORD_FILE))
-    .replace('"../../var/ldap-audit.db"', JSON.stringify(path.join(work, 'audit.db')))
-    .replace(/^auxiliary_class = .*$/m,
-      '$&\npolicy = "ppolicy"\ndefault_policy = "cn=default,ou=policies,o=example"');
-  fs.writeFileSync(path.join(work, 'lxrapi.toml'), config);
   server = startLighttpd({
     agent: path.join(source, 'web/lighttpd/demo-agent.conf'),
-    env: { LXRAPI_CONFIG: path.join(work, 'lxrapi.toml') },
+    env: { LXRAPI_CONFIG: process.env.LXR_LDAP_API_CONFIG },
   });
   context = await launchBrowser();
   context.setDefaultTimeout(15000);

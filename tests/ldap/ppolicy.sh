@@ -16,17 +16,12 @@ while [ $# -gt 0 ]; do
     esac
 done
 [ -x "$lxrdir" ] && [ -d "$source" ] || { echo "ppolicy.sh: bad options" >&2; exit 2; }
-: "${LXR_LDAP_URL:?run through run.sh --ppolicy}" "${LXR_LDAP_WORK:?}"
+: "${LXR_LDAP_API_CONFIG:?run through run.sh --ppolicy}" "${LXR_LDAP_WORK:?}"
 work=$LXR_LDAP_WORK H=$LXR_LDAP_URL
 unset LXR_NOW  # the server judges by its own clock, so the API must too
 
 "$lxrdir" create "$work/audit.db" >/dev/null || exit 2
-sed -e "s|ldap://127.0.0.1:3890|$H|" \
-    -e "s|\"../../var/ldap.secret\"|\"$LXR_LDAP_PASSWORD_FILE\"|" \
-    -e "s|\"../../var/ldap-audit.db\"|\"$work/audit.db\"|" \
-    -e 's|^auxiliary_class = .*|&\npolicy = "ppolicy"\ndefault_policy = "cn=default,ou=policies,o=example"|' \
-    "$source/examples/ldap/lxrapi.toml" >"$work/lxrapi.toml"
-export LXRAPI_CONFIG=$work/lxrapi.toml
+export LXRAPI_CONFIG=$LXR_LDAP_API_CONFIG
 lead=LDAP://demo/uid=hd.lead,ou=admins,o=example
 staff=ou=staff,o=example
 
@@ -59,6 +54,18 @@ attribute() { printf '<Attribute name="%s"><Value>%s</Value></Attribute>' "$1" "
 root_modify() { # DN, LDIF changes on stdin, with Relax Rules
     { printf 'dn: %s\nchangetype: modify\n' "$1"; cat; } |
         ldapmodify -x -e relax -H "$H" -D "$LXR_LDAP_ROOT_DN" -y "$LXR_LDAP_ROOT_PASSWORD_FILE" >/dev/null
+}
+root_add() { # LDIF on stdin
+    ldapadd -x -H "$H" -D "$LXR_LDAP_ROOT_DN" -y "$LXR_LDAP_ROOT_PASSWORD_FILE" >/dev/null
+}
+root_value() { # DN ATTRIBUTE: its values as the server keeps them, one per line
+    ldapsearch -x -LLL -o ldif-wrap=no -H "$H" -D "$LXR_LDAP_ROOT_DN" -y "$LXR_LDAP_ROOT_PASSWORD_FILE" \
+        -b "$1" -s base "(objectClass=*)" "$2" 2>/dev/null | sed -n "s/^$2: //p"
+}
+user_policies="ou=user-policies,ou=policies,o=example"
+policy_count() { # the per-user policies the API has made
+    ldapsearch -x -LLL -H "$H" -D "$LXR_LDAP_ROOT_DN" -y "$LXR_LDAP_ROOT_PASSWORD_FILE" \
+        -b "$user_policies" -s one "(objectClass=pwdPolicy)" 1.1 2>/dev/null | grep -c '^dn:'
 }
 now() { date -u +%Y%m%d%H%M%SZ; }
 locked_page() { # SIZE CONTINUATION: one page of the staff's locked list
@@ -132,6 +139,88 @@ check "without grace logins left the bind is refused" 49 "$(bind frank)"
 check "grace logins are given back" 0 "$(write frank "$(attribute kvlxrGraceLoginsUsed '')")"
 check "so the user binds again" 0 "$(bind frank)"
 
+# Lifetime and inactivity overrides: a per-user policy, copied from the
+# user's own, that the server applies at the next bind; removing the last
+# override gives the user's policy back. Steps in order, one per row:
+# USER|FIELD|VALUE|BIND (- none)|DISABLED REASON|VALUE READ BACK
+# victor's password expired in 2020 with no grace logins left; olivia's too,
+# but she never logged in, so her idle time counts from that change (and
+# her stored "30 temporary" has no policy behind it, so it is not in force).
+for u in victor olivia; do
+    printf 'replace: pwdChangedTime\npwdChangedTime: 20200101000000Z\n' | root_modify "uid=$u,$staff"
+done
+printf 'replace: pwdGraceUseTime\npwdGraceUseTime: 20200301000000.000001Z\npwdGraceUseTime: 20200301000000.000002Z\n' |
+    root_modify "uid=victor,$staff"
+check "an expired password without grace logins is refused" 49 "$(bind victor)"
+check "a stored inactivity value without a policy is not shown" "" "$(value olivia kvlxrAccountInactivityDays)"
+expired="Password expired 2020-06-29 00:00 UTC; no grace logins left"
+while IFS='|' read -r user field posted status reason shown; do
+    case "$user" in ''|'#'*) continue ;; esac
+    check "$user: $field '$posted' is written" 0 "$(write "$user" "$(attribute "$field" "$posted")")"
+    [ "$status" = - ] || check "$user: then the bind answers" "$status" "$(bind "$user")"
+    check "$user: then the disabled reasons" "$reason" "$(disabled "$user")"
+    check "$user: and $field reads" "$shown" "$(value "$user" "$field")"
+done <<ROWS
+victor|kvlxrExpirePasswordDays|0 never expires|0||0 never expires
+victor|kvlxrExpirePasswordDays||49|$expired|
+victor|kvlxrExpirePasswordDays|30|49|Password expired 2020-01-31 00:00 UTC; no grace logins left|30
+victor|kvlxrExpirePasswordDays|3650 ten years|0||3650 ten years
+victor|kvlxrExpirePasswordDays||49|$expired|
+olivia|kvlxrExpirePasswordDays|0|-||0
+olivia|kvlxrAccountInactivityDays|30 back in a month|49|Idle since 2020-01-01 00:00 UTC|30 back in a month
+olivia|kvlxrAccountInactivityDays||0||
+ROWS
+check "removing the last override gives the default policy back" "" "$(root_value "uid=victor,$staff" pwdPolicySubentry)"
+check "the lifetime override stays after the inactivity one goes" "0" "$(value olivia kvlxrExpirePasswordDays)"
+write peggy "$(attribute kvlxrExpirePasswordDays '0 contractor')" >/dev/null
+check "an equal override shares the per-user policy" \
+    "$(root_value "uid=olivia,$staff" pwdPolicySubentry)" "$(root_value "uid=peggy,$staff" pwdPolicySubentry)"
+
+# A user's own policy is what the override copies and what comes back.
+root_add <<LDIF
+dn: cn=strict,ou=policies,o=example
+objectClass: namedPolicy
+objectClass: pwdPolicy
+cn: strict
+pwdAttribute: userPassword
+pwdMaxFailure: 3
+pwdLockout: TRUE
+pwdMaxAge: 15552000
+
+dn: cn=slow,ou=policies,o=example
+objectClass: namedPolicy
+objectClass: pwdPolicy
+cn: slow
+pwdAttribute: userPassword
+pwdMaxFailure: 5
+pwdLockout: TRUE
+pwdMinDelay: 10
+LDIF
+printf 'replace: pwdPolicySubentry\npwdPolicySubentry: cn=strict,ou=policies,o=example\n' | root_modify "uid=trent,$staff"
+check "an override of a user with an own policy is written" 0 \
+    "$(write trent "$(attribute kvlxrAccountInactivityDays '90')")"
+copy=$(root_value "uid=trent,$staff" pwdPolicySubentry)
+check "the copy keeps the own policy's failure limit" 3 "$(root_value "$copy" pwdMaxFailure)"
+check "the own policy is remembered" "cn=strict,ou=policies,o=example" \
+    "$(root_value "uid=trent,$staff" kvlxrPreviousPolicy)"
+write trent "$(attribute kvlxrAccountInactivityDays '')" >/dev/null
+check "removing the override gives the own policy back" "cn=strict,ou=policies,o=example" \
+    "$(root_value "uid=trent,$staff" pwdPolicySubentry)"
+check "and forgets it" "" "$(root_value "uid=trent,$staff" kvlxrPreviousPolicy)"
+
+# A policy with pwdMinDelay stops this slapd at a failed bind: no copy of it.
+# (uma must never fail a bind in this test.)
+printf 'replace: pwdPolicySubentry\npwdPolicySubentry: cn=slow,ou=policies,o=example\n' | root_modify "uid=uma,$staff"
+made=$(policy_count)
+check "an override copied from a policy with pwdMinDelay is refused" 1 \
+    "$(write uma "$(attribute kvlxrExpirePasswordDays '30')")"
+check "saying why" 1 "$(grep -c 'cn=slow,ou=policies,o=example. sets pwdMinDelay' "$work/write.out")"
+check "and the user keeps the policy" "cn=slow,ou=policies,o=example" "$(root_value "uid=uma,$staff" pwdPolicySubentry)"
+check "no per-user policy was made" "$made" "$(policy_count)"
+check "more days than the server's policy holds are refused" 1 \
+    "$(write victor "$(attribute kvlxrExpirePasswordDays '24856')")"
+check "and change nothing" "" "$(root_value "uid=victor,$staff" pwdPolicySubentry)"
+
 # A password reset through the server's own checks.
 check "a reset with must-change is written" 0 \
     "$(write grace "$(attribute userPassword Second-pass8)$(attribute kvlxrImmediateChange YES)")"
@@ -158,10 +247,13 @@ check "and empties it" "" "$(value heidi kvlxrLoginHistory)"
 # after the user's password and lock were changed, and both are undone.
 printf 'replace: member\nmember: uid=ivan,%s\n' "$staff" | root_modify "cn=vpn-users,ou=groups,o=example"
 for _ in 1 2; do bind ivan wrong >/dev/null; done
-check "a failed post is refused" 1 "$(write ivan "$(attribute userPassword Third-pass9)$(attribute kvlxrDisableUntil 'FOREVER x')<Group name=\"vpn-users\" member=\"0\"/>")"
+made=$(policy_count)
+check "a failed post is refused" 1 "$(write ivan "$(attribute userPassword Third-pass9)$(attribute kvlxrDisableUntil 'FOREVER x')$(attribute kvlxrExpirePasswordDays '45 new')<Group name=\"vpn-users\" member=\"0\"/>")"
 grep -q 'refused the change of .cn=vpn-users' "$work/write.out" || cat "$work/write.out"
 check "the old password still binds" 0 "$(bind ivan)"
 check "the new one does not" 49 "$(bind ivan Third-pass9)"
 check "no lock was left" "" "$(value ivan kvlxrDisableUntil)"
+check "nor a policy" "" "$(root_value "uid=ivan,$staff" pwdPolicySubentry)"
+check "and the per-user policy made for it is gone" "$made" "$(policy_count)"
 
 exit $((failures > 0))

@@ -18,6 +18,10 @@
 #   LXR_LDAP_ROOT_PASSWORD_FILE
 #   LXR_LDAP_CA_FILE        the certificate for StartTLS ("" when openssl is missing)
 #   LXR_LDAP_WORK           a scratch folder, removed afterwards
+#   LXR_LDAP_API_CONFIG     with --ppolicy: examples/ldap/lxrapi.toml for this
+#                           server and its password policy, in the scratch
+#                           folder; its audit file there, audit.db, is for the
+#                           command to make (lxrdir create)
 # Exit status: the command's; 77 (skipped) when slapd is not installed; 2
 # when the server cannot be started or loaded.
 set -u
@@ -132,6 +136,15 @@ for ldif in "${ldifs[@]}"; do
 done
 
 mkdir -p "$work/scratch"
+api_config=
+if [ "$ppolicy" = 1 ]; then
+    api_config=$work/scratch/lxrapi.toml
+    sed -e "s|ldap://127.0.0.1:3890|$url|" \
+        -e "s|\"../../var/ldap.secret\"|\"$work/service.pw\"|" \
+        -e "s|\"../../var/ldap-audit.db\"|\"$work/scratch/audit.db\"|" \
+        -e 's|^auxiliary_class = .*|&\npolicy = "ppolicy"\ndefault_policy = "cn=default,ou=policies,o=example"\npolicy_base = "ou=user-policies,ou=policies,o=example"|' \
+        "$source_dir/examples/ldap/lxrapi.toml" >"$api_config"
+fi
 LXR_LDAP_URL=$url \
 LXR_LDAP_BIND_DN="cn=lxradmin,ou=services,o=example" \
 LXR_LDAP_PASSWORD_FILE=$work/service.pw \
@@ -139,6 +152,7 @@ LXR_LDAP_ROOT_DN="cn=admin,o=example" \
 LXR_LDAP_ROOT_PASSWORD_FILE=$work/root.pw \
 LXR_LDAP_CA_FILE=$tls_ca \
 LXR_LDAP_WORK=$work/scratch \
+LXR_LDAP_API_CONFIG=$api_config \
     "$@"
 status=$?
 kill -0 "$slapd_pid" 2>/dev/null || { echo "run.sh: slapd died during the test" >&2; status=2; }

@@ -9,6 +9,7 @@
 #include "ldap/ldap_connection.h"
 #include "ldap/ldap_list.h"
 #include "ldap/ldap_text.h"
+#include "ldap/policy_override.h"
 #include "ldap/server_policy.h"
 #include "message.h"
 #include "text.h"
@@ -28,6 +29,8 @@ struct Cached {
     std::vector<std::string> forced;   // written even when unchanged (after a password change)
     std::string password;              // a new password for the password operation
     bool clearHistory = false;         // delete the user's access log records
+    bool addPolicy = false;            // add `policy` before the entry is changed
+    Entry policy;                      // the per-user policy an override needs
     bool historyRead = false;
     std::vector<Entry> history;  // the user's access log records, newest first
 };
@@ -38,6 +41,7 @@ struct Applied {
     std::vector<Modification> undo;
     bool relax = false;
     std::vector<Entry> deleted;  // access log records to add again
+    bool added = false;          // `dn` was added: the undo deletes it
 };
 
 bool IsServerAttribute(std::string_view name) {
@@ -47,9 +51,10 @@ bool IsServerAttribute(std::string_view name) {
 }
 
 // The server's answers when a value the write relied on changed meanwhile.
+// (A per-user policy added meanwhile by another writer is then reused.)
 bool IsConflict(int rc) {
     return rc == LDAP_NO_SUCH_ATTRIBUTE || rc == LDAP_TYPE_OR_VALUE_EXISTS ||
-           rc == LDAP_ASSERTION_FAILED;
+           rc == LDAP_ASSERTION_FAILED || rc == LDAP_ALREADY_EXISTS;
 }
 
 // The reads of one call and, for a write, the changes it collects. Reads are
@@ -69,6 +74,9 @@ class LdapTransaction : public StoreWriter {
         if (!serverPolicy()) return Status::OK();
         if (!(s = ReadHistory(c)).ok()) return s;
         ShowServerState(c->history, entry);
+        const Entry* policy = nullptr;
+        if (!(s = OverridePolicy(c->current, &policy)).ok()) return s;
+        ShowOverrides(policy, entry);
         return Status::OK();
     }
 
@@ -78,11 +86,11 @@ class LdapTransaction : public StoreWriter {
         if (!*enforced) return Status::OK();
         std::string dn = user.First("pwdPolicySubentry");
         if (dn.empty()) dn = store_.config().defaultPolicy;
-        Entry policy;
-        bool found = false;
-        Status s = ldap_.Get(dn, &policy, &found);
+        Cached* policy = nullptr;
+        Status s = Fetch(dn, &policy);
         if (!s.ok()) return s;
-        *state = EvaluateServerAccount(user, ReadServerPolicy(found ? &policy : nullptr, dn), now);
+        *state = EvaluateServerAccount(
+            user, ReadServerPolicy(policy->exists ? &policy->current : nullptr, dn), now);
         return Status::OK();
     }
 
@@ -184,6 +192,8 @@ class LdapTransaction : public StoreWriter {
         Status s = Fetch(dn, &c);
         if (!s.ok()) return s;
         if (!c->exists) return Status::UpdateFailed("No entry " + Quoted(dn, 200));
+        if (serverPolicy() && IsOverrideField(attribute))
+            return WriteOverride(c, attribute, values);
         if (!serverPolicy() || !KeptByServer(attribute)) {
             Set(c, attribute, values);
             return Status::OK();
@@ -218,7 +228,12 @@ class LdapTransaction : public StoreWriter {
             Cached& c = cache_[key];
             int rc = LDAP_SUCCESS;
             std::string what = "change of ";
-            if (!c.password.empty()) {
+            if (c.addPolicy) {
+                what = "per-user policy " + Quoted(c.policy.dn, 200) + " of ";
+                rc = ldap_.Add(c.policy);
+                if (rc == LDAP_SUCCESS) applied_.push_back({c.policy.dn, {}, false, {}, true});
+            }
+            if (rc == LDAP_SUCCESS && !c.password.empty()) {
                 what = "new password of ";
                 rc = ChangePassword(c);
             }
@@ -234,7 +249,7 @@ class LdapTransaction : public StoreWriter {
                 if (!change.empty()) rc = ldap_.Modify(c.original.dn, change, assertion, relax);
             }
             if (rc == LDAP_SUCCESS && !change.empty())
-                applied_.push_back({c.original.dn, std::move(undo), relax, {}});
+                applied_.push_back({c.original.dn, std::move(undo), relax, {}, false});
             if (rc == LDAP_SUCCESS && c.clearHistory) {
                 what = "login history of ";
                 rc = ClearHistory(c);
@@ -259,6 +274,7 @@ class LdapTransaction : public StoreWriter {
                 if (rc == LDAP_SUCCESS) rc = ldap_.Add(record);
             if (rc == LDAP_SUCCESS && !it->undo.empty())
                 rc = ldap_.Modify(it->dn, it->undo, std::string(), it->relax);
+            if (rc == LDAP_SUCCESS && it->added) rc = ldap_.Delete(it->dn);
             if (rc != LDAP_SUCCESS && result.ok())
                 result = ldap_.Failure(
                     rc, "could not take back the change of " + Quoted(it->dn, 200), kUpdateFailed);
@@ -287,6 +303,80 @@ class LdapTransaction : public StoreWriter {
         Order(*c);
     }
 
+    // The per-user policy that `user` (the server's attributes) names when
+    // it is one of our override copies; null otherwise or when it is gone.
+    Status OverridePolicy(const Entry& user, const Entry** policy) {
+        *policy = nullptr;
+        UserPolicies p = PoliciesOf(user, store_.config());
+        if (!p.overridden) return Status::OK();
+        Cached* c = nullptr;
+        Status s = Fetch(p.subentry, &c);
+        if (s.ok() && c->exists) *policy = &c->current;
+        return s;
+    }
+
+    // A lifetime or inactivity override: the user gets the per-user policy
+    // that holds every override the write leaves (an existing equal one, or
+    // a copy added by Apply before the user's entry is changed), and the
+    // policy before it is remembered beside the user; with no override
+    // left, that policy is given back. Our attribute keeps the comment.
+    Status WriteOverride(Cached* c, std::string_view attribute,
+                         const std::vector<std::string>& values) {
+        const LdapConfig& config = store_.config();
+        if (config.policyBase.empty())
+            return Status::UpdateFailed(
+                "LDAP directory " + Shown(store_.name()) + " keeps " + std::string(attribute) +
+                " in a per-user policy, and its [[ldap]] table names no 'policy_base' for them");
+        if (!values.empty() && OverrideSeconds(values[0]) == kTooManyDays)
+            return Status::UpdateFailed("LDAP directory " + Shown(store_.name()) + ": " +
+                                        std::string(attribute) + " takes at most " +
+                                        std::to_string(kMostDays) + " days in a server's policy");
+        Set(c, attribute, values);
+        UserPolicies p = PoliciesOf(c->original, config);
+        const Entry* current = nullptr;
+        Status s = OverridePolicy(c->original, &current);
+        if (!s.ok()) return s;
+        std::vector<OverrideValue> after =
+            OverridesAfter(c->current, current, p.overridden, c->touched);
+        bool any = false;
+        for (const OverrideValue& o : after) {
+            any = any || o.seconds >= 0;
+            // A value stored without an override behind it is dropped.
+            if (o.seconds < 0 && !c->current.Values(o.field).empty()) Set(c, o.field, {});
+        }
+        c->addPolicy = false;
+        if (!any) {
+            Set(c, "pwdPolicySubentry",
+                p.previous.empty() ? std::vector<std::string>{}
+                                   : std::vector<std::string>{p.previous});
+            Set(c, kPreviousPolicy, {});
+            return Status::OK();
+        }
+        Cached* base = nullptr;
+        if (!(s = Fetch(p.base, &base)).ok()) return s;
+        if (!base->exists)
+            return Status::UpdateFailed("LDAP directory " + Shown(store_.name()) +
+                                        " has no policy entry " + Quoted(p.base, 200) +
+                                        " to copy the policy of " + Quoted(c->original.dn, 200) +
+                                        " from");
+        Entry copy;
+        if (!(s = CopyPolicy(base->current, p.base, after, config.policyBase, attribute, &copy))
+                 .ok())
+            return s;
+        Cached* existing = nullptr;
+        if (!(s = Fetch(copy.dn, &existing)).ok()) return s;
+        if (existing->exists && !SamePolicy(existing->current, copy))
+            return Status::UpdateFailed("LDAP directory " + Shown(store_.name()) + ": the entry " +
+                                        Quoted(copy.dn, 200) +
+                                        " is not the per-user policy its name stands for");
+        c->addPolicy = !existing->exists;
+        c->policy = std::move(copy);
+        Set(c, "pwdPolicySubentry", {c->policy.dn});
+        Set(c, kPreviousPolicy,
+            p.previous.empty() ? std::vector<std::string>{} : std::vector<std::string>{p.previous});
+        return Status::OK();
+    }
+
     // The user's access log records, newest first, read once.
     Status ReadHistory(Cached* c) {
         if (c->historyRead || store_.config().accessLog.empty()) return Status::OK();
@@ -313,7 +403,7 @@ class LdapTransaction : public StoreWriter {
         undo.push_back({LDAP_MOD_REPLACE, "userPassword", c.original.Values("userPassword")});
         int rc = ldap_.ChangePassword(c.original.dn, c.password);
         if (rc != LDAP_SUCCESS) return rc;
-        applied_.push_back({c.original.dn, std::move(undo), true, {}});
+        applied_.push_back({c.original.dn, std::move(undo), true, {}, false});
         for (const char* a : {"pwdAccountLockedTime", "pwdReset"}) {
             bool touched = false;
             for (const std::string& t : c.touched) touched = touched || EqualsNoCase(t, a);
@@ -330,7 +420,7 @@ class LdapTransaction : public StoreWriter {
 
     // Deletes the user's access log records; the undo adds them again.
     int ClearHistory(Cached& c) {
-        Applied deleted{c.original.dn, {}, false, {}};
+        Applied deleted{c.original.dn, {}, false, {}, false};
         int rc = LDAP_SUCCESS;
         for (int round = 0; rc == LDAP_SUCCESS && round < 100; ++round) {
             c.historyRead = false;
@@ -399,7 +489,9 @@ class LdapTransaction : public StoreWriter {
                 change->push_back({LDAP_MOD_REPLACE, name, after});
                 undo->push_back({LDAP_MOD_REPLACE, name, Distinct(before)});
             }
-            needsClass = needsClass || (NeedsAuxiliaryClass(name) && !after.empty());
+            needsClass =
+                needsClass || ((NeedsAuxiliaryClass(name) || EqualsNoCase(name, kPreviousPolicy)) &&
+                               !after.empty());
         }
         *assertion = count > 1 ? "(&" + conditions + ")" : conditions;
         const std::string& auxiliary = store_.config().auxiliaryClass;

@@ -93,8 +93,11 @@ TEST(LdapConfigTest, FaultsAreNamedWithTheirLine) {
          "needs 'default_policy'"},
         {"url = 'ldap://h'\naudit = 'a.db'\npolicy = 'pwpolicy'", "ldap://h",
          "'ppolicy' or left out"},
-        {"url = 'ldap://h'\naudit = 'a.db'\naccess_log = 'cn=log'", "ldap://h",
+        {"url = 'ldap://h'\naudit = 'a.db'\npolicy_base = 'ou=p,o=t'", "ldap://h",
          "need policy = 'ppolicy'"},
+        {"url = 'ldap://h'\naudit = 'a.db'\npolicy = 'ppolicy'\ndefault_policy = 'cn=d,o=t'\n"
+         "policy_base = 'user-policies'",
+         "ldap://h", "'policy_base' is not a distinguished name"},
         {"url = 'ldap://h'\naudit = 'a.db'", "ldap://other:389",
          "directory 'd': no [[ldap]] has the url 'ldap://other:389'"},
     };

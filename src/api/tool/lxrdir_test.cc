@@ -29,28 +29,6 @@ Outcome Lxrdir(const std::string& args) {
     return run;
 }
 
-TEST(LxrdirTest, BuildsTheDemoDirectoryAndRoundTripsIt) {
-    testing::TempDir dir;
-    std::string store = dir.File("demo.db"), copy = dir.File("copy.db");
-    Outcome r = Lxrdir("create " + store + " " LXR_SOURCE_DIR "/examples/demo.ldif");
-    ASSERT_EQ(r.status, 0) << r.out;
-    EXPECT_EQ(r.out, "created " + store + " with 38 entries\n");
-
-    r = Lxrdir("show " + store + " 'UID=Rupert, ou=staff, o=example'");
-    ASSERT_EQ(r.status, 0) << r.out;
-    EXPECT_EQ(r.out.rfind("dn: uid=rupert,ou=staff,o=example\n", 0), 0u) << r.out;
-    EXPECT_NE(r.out.find("kvlxrDisableUntil: FOREVER security-hold\n"), std::string::npos);
-
-    Outcome exported = Lxrdir("export " + store + " > " + dir.File("out.ldif"));
-    ASSERT_EQ(exported.status, 0) << exported.out;
-    ASSERT_EQ(Lxrdir("create " + copy + " " + dir.File("out.ldif")).status, 0);
-    EXPECT_EQ(Lxrdir("export " + copy).out, Lxrdir("export " + store).out);
-
-    r = Lxrdir("audit " + store);
-    EXPECT_EQ(r.status, 0);
-    EXPECT_EQ(r.out, "no audit records\n");
-}
-
 TEST(LxrdirTest, RefusalsAreClear) {
     testing::TempDir dir;
     std::string store = dir.File("d.db");

@@ -1,15 +1,23 @@
-#include "fields/edit_date.h"
+// Which choice an edit handler offers checked for a stored value: the rows'
+// whole markup and scripts stand in the golden display pages.
+#include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "fields/fields_test_support.h"
+#include "fields/edit_date.h"
+#include "fields/edit_simple.h"
+#include "fields/field_model.h"
+#include "support/request_reset.h"
 
-namespace fields_test {
 namespace {
 
-class EditDateTest : public FieldsTest {};
+using lxrtest::CaptureStdout;
+using lxrtest::SetZone;
+
+class ChoicesTest : public lxrtest::RequestTest {};
 
 using Lines = std::vector<std::string>;
 
@@ -39,10 +47,9 @@ std::string Between(const std::string& out, const std::string& before, const std
 // 2005-07-05 10:20:30 UTC.
 constexpr time_t kJuly = 1120558830;
 
-// The rows' whole markup and scripts stand in the golden display pages; here
-// the choices: the current value checked, "now" offered as the other choice
+// The current value checked, "now" offered as the other choice
 // (broken down in UTC whatever the process's zone), nothing to offer when blank.
-TEST_F(EditDateTest, ResetToNowOffersCurrentValueAndNow) {
+TEST_F(ChoicesTest, ResetToNowOffersCurrentValueAndNow) {
     struct Row {
         EditHandler handler;
         const char* zone;
@@ -64,9 +71,9 @@ TEST_F(EditDateTest, ResetToNowOffersCurrentValueAndNow) {
         {inDateCommentOrNow, "UTC", "  ", {}, {}},
         {inCountDateOrNow, "UTC", "", {}, {}},
     };
-    Now = kJuly;
     for (const Row& row : rows) {
-        ClearLists();
+        StartRequest();
+        Now = kJuly;
         SetZone(row.zone);
         Finisher result = nullptr;
         std::string out =
@@ -81,7 +88,7 @@ TEST_F(EditDateTest, ResetToNowOffersCurrentValueAndNow) {
     }
 }
 
-TEST_F(EditDateTest, ScheduleHandlersCheckTheMatchingChoice) {
+TEST_F(ChoicesTest, ScheduleHandlersCheckTheMatchingChoice) {
     struct Row {
         EditHandler handler;
         const char* name;
@@ -127,7 +134,7 @@ TEST_F(EditDateTest, ScheduleHandlersCheckTheMatchingChoice) {
         {inDisableUntil, "U", "", {{"", false}, {"FOREVER", false}, {"", true}}, "", ""},
     };
     for (const Row& row : rows) {
-        ClearLists();
+        StartRequest();
         std::string out = CaptureStdout([&] { row.handler(row.name, row.value, 0, true, true); });
         EXPECT_EQ(ReadRadios(out), row.radios) << row.value;
         std::string entry = "    DateEntry('" + std::string(row.name) + "', '";
@@ -138,5 +145,42 @@ TEST_F(EditDateTest, ScheduleHandlersCheckTheMatchingChoice) {
     }
 }
 
+// The option lines of a captured select list that are marked SELECTED.
+Lines SelectedLines(const std::string& out) {
+    Lines selected;
+    std::istringstream in(out);
+    for (std::string line; std::getline(in, line);) {
+        if (line.find(" SELECTED") != std::string::npos) selected.push_back(line);
+    }
+    return selected;
+}
+
+TEST_F(ChoicesTest, DaysOverrideSelectsOneOption) {
+    struct DaysRow {
+        const char* value;
+        Lines selected;
+        const char* comment;
+    };
+    const DaysRow rows[] = {
+        {"", {"<OPTION VALUE=\"\" SELECTED>&lt;default&gt;"}, ""},
+        {"0", {"<OPTION VALUE=\"0\" SELECTED>&lt;never&gt;"}, ""},
+        {"abc", {"<OPTION VALUE=\"0\" SELECTED>&lt;never&gt;"}, ""},
+        {" 14   test  case", {"<OPTION VALUE=\"14\" SELECTED>2 Weeks"}, "test  case"},
+        {"1", {"<OPTION VALUE=\"1\" SELECTED>1 Day"}, ""},
+        {"7", {"<OPTION VALUE=\"7\" SELECTED>1 Week"}, ""},
+        {"365", {"<OPTION VALUE=\"365\" SELECTED>365 Days"}, ""},
+        {"400 long", {}, "long"},
+    };
+    for (const DaysRow& row : rows) {
+        std::string out = CaptureStdout([&] { inDaysOverride("D", row.value, 0, true, true); });
+        EXPECT_EQ(SelectedLines(out), row.selected) << row.value;
+        std::string tail =
+            "</SELECT>\n<span class=\"INNERPROMPT\">&nbsp;&nbsp;Comment:&nbsp;</span>"
+            "<INPUT TYPE=\"TEXT\" NAME=\"D_COMMENT\" VALUE=\"" +
+            std::string(row.comment) + "\" SIZE=\"20\" MAXLENGTH=\"20\">\n";
+        ASSERT_GE(out.size(), tail.size());
+        EXPECT_EQ(out.substr(out.size() - tail.size()), tail) << row.value;
+    }
+}
+
 }  // namespace
-}  // namespace fields_test
