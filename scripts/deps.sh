@@ -15,6 +15,8 @@ if [ "${LXR_WITH_BROWSER:-0}" = 1 ]; then
   # The package test: building the Debian packages, lintian, and serving the
   # installed program through Apache.
   PACKAGES+=(debhelper dpkg-dev lintian apache2-utils curl man-db)
+  # CI's check of the C++ sources against the committed .clang-format.
+  PACKAGES+=(clang-format)
   # Japanese and Chinese glyphs for the pages' screenshots (small fonts, not
   # the whole CJK family).
   PACKAGES+=(fonts-ipafont-gothic fonts-wqy-microhei)

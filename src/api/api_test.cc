@@ -94,9 +94,7 @@ TEST_F(ApiTest, ReplyBufferLimits) {
     EXPECT_EQ(std::string(reply_.data()), full.substr(0, at) + full.substr(end));
     EXPECT_EQ(Read("people/ann", 1000, 256), kBufferTooSmall);
     EXPECT_EQ(reply_[0], '\0');
-    EXPECT_NE(
-        std::string(message_.data()).find("does not fit the buffer"),
-        std::string::npos);
+    EXPECT_NE(std::string(message_.data()).find("does not fit the buffer"), std::string::npos);
     EXPECT_EQ(Read("people/ann", 1, 256), kBufferTooSmall);
     EXPECT_EQ(Read("people/ann", 0, 256), kBufferTooSmall);
 

@@ -186,9 +186,8 @@ Status ValidateValue(const AttributeInfo& info, std::string_view value) {
     if (value.size() > kMaxValue) return bad(Say::ValueTooLong);
     size_t at = FindPageBreaker(value);
     if (at != std::string_view::npos)
-        return Status::BadRequest(
-            Words(Say::ValueHoldsCharacter, info.name, Quoted(value, 80),
-                  CharacterCode(static_cast<unsigned char>(value[at]))));
+        return Status::BadRequest(Words(Say::ValueHoldsCharacter, info.name, Quoted(value, 80),
+                                        CharacterCode(static_cast<unsigned char>(value[at]))));
     if (Trim(value).empty()) return bad(Say::ValueBlank);
     if (!CheckForm(info.form, value)) return bad(Say::ValueNotInFormat);
     return Status::OK();

@@ -121,9 +121,9 @@ Status WriteFittedUserDocument(UserView view, size_t room, int historyLimit, std
         document = WriteUserDocument(view);
         if (excess > 0 || document.size() > room)
             // Even without histories and with one redirect.
-            return Status(kBufferTooSmall, Words(Say::ReplyTooLarge,
-                                                 std::to_string(document.size() + 1),
-                                                 std::to_string(room + 1)));
+            return Status(kBufferTooSmall,
+                          Words(Say::ReplyTooLarge, std::to_string(document.size() + 1),
+                                std::to_string(room + 1)));
     }
     *out = std::move(document);
     return Status::OK();

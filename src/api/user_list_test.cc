@@ -128,8 +128,8 @@ class UserListTest : public ::testing::TestWithParam<Kind> {
         std::vector<std::string> all;
         std::string continuation;
         for (*pages = 0; *pages < 50; ++*pages) {
-            Status s = List("<ListRequest directory=\"people\" " + attributes +
-                                " continuation=\"" + continuation + "\"/>",
+            Status s = List("<ListRequest directory=\"people\" " + attributes + " continuation=\"" +
+                                continuation + "\"/>",
                             "desk", room);
             EXPECT_TRUE(s.ok()) << s.message();
             if (!s.ok()) break;
@@ -185,16 +185,17 @@ TEST_P(UserListTest, ReasonsAreThoseOfTheUsersPage) {
     int seen = 0;
     for (auto it = std::sregex_iterator(list.begin(), list.end(), user);
          it != std::sregex_iterator(); ++it, ++seen) {
-        std::string reasons = std::regex_replace(std::string((*it)[2]),
-                                                 std::regex("</Reason><Reason>"), ",");
+        std::string reasons =
+            std::regex_replace(std::string((*it)[2]), std::regex("</Reason><Reason>"), ",");
         reasons = std::regex_replace(reasons, std::regex("</?Reason>"), "");
         std::string page;
         int attributes = 0;
-        Status s = ReadUser(config_, *provider_, "desk", kLead, std::string((*it)[1]), 65535,
-                            &page, &attributes);
+        Status s = ReadUser(config_, *provider_, "desk", kLead, std::string((*it)[1]), 65535, &page,
+                            &attributes);
         ASSERT_TRUE(s.ok()) << (*it)[1] << ": " << s.message();
         EXPECT_NE(page.find("disabled=\"" + reasons + "\""), std::string::npos)
-            << (*it)[1] << " lists " << reasons << " but its page says\n" << page.substr(0, 200);
+            << (*it)[1] << " lists " << reasons << " but its page says\n"
+            << page.substr(0, 200);
     }
     EXPECT_EQ(seen, 5);
     EXPECT_NE(list.find("writable=\"kvlxrDisableUntil kvlxrAccountInactivityDays userPassword "
@@ -235,7 +236,8 @@ TEST_P(UserListTest, PagesFollowEachOtherWithoutGapOrRepeat) {
 }
 
 TEST_P(UserListTest, BadRequestsAndRefusals) {
-    ASSERT_TRUE(List(R"(<ListRequest directory="people" list="search" start="lo" size="1"/>)").ok());
+    ASSERT_TRUE(
+        List(R"(<ListRequest directory="people" list="search" start="lo" size="1"/>)").ok());
     std::string other = Continuation();
     const struct {
         std::string request;
@@ -255,13 +257,11 @@ TEST_P(UserListTest, BadRequestsAndRefusals) {
         {R"(<ListRequest directory="people" list="everyone"/>)", "desk", 65535, kBadRequest},
         {R"(<ListRequest list="locked"/>)", "desk", 65535, kBadRequest},
         {R"(<ListRequest directory="people" list="idle"/>)", "desk", 65535, kBadRequest},
-        {R"(<ListRequest directory="people" list="locked" days="3"/>)", "desk", 65535,
-         kBadRequest},
+        {R"(<ListRequest directory="people" list="locked" days="3"/>)", "desk", 65535, kBadRequest},
         {R"(<ListRequest directory="people" list="idle" days="0"/>)", "desk", 65535, kBadRequest},
         {R"(<ListRequest directory="people" list="locked" start="a"/>)", "desk", 65535,
          kBadRequest},
-        {R"(<ListRequest directory="people" list="locked" size="0"/>)", "desk", 65535,
-         kBadRequest},
+        {R"(<ListRequest directory="people" list="locked" size="0"/>)", "desk", 65535, kBadRequest},
         {R"(<ListRequest directory="people" list="locked" size="1001"/>)", "desk", 65535,
          kBadRequest},
         {R"(<ListRequest directory="people" list="search" start="bo" continuation=")" + other +
@@ -275,7 +275,8 @@ TEST_P(UserListTest, BadRequestsAndRefusals) {
         {R"(<ListRequest directory="people" list="locked"/>)", "desk", 120, kBufferTooSmall},
     };
     for (const auto& c : cases) {
-        Status s = List(c.request, c.role, c.room, std::string(c.role) == "reader" ? kReader : kLead);
+        Status s =
+            List(c.request, c.role, c.room, std::string(c.role) == "reader" ? kReader : kLead);
         EXPECT_EQ(s.code(), c.code) << c.request << ": " << s.message();
         EXPECT_TRUE(reply_.empty()) << c.request;
     }

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "cgi/fields.h"
-#include "support/capture.h"
 #include "platform/text.h"
+#include "support/capture.h"
 
 namespace {
 

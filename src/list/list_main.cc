@@ -14,7 +14,6 @@
 #include "driver/api_boundary.h"
 #include "driver/identity.h"
 #include "fields/field_model.h"
-#include "platform/output_profile.h"
 #include "i18n/language.h"
 #include "i18n/negotiate.h"
 #include "list/bulk.h"
@@ -22,6 +21,7 @@
 #include "list/list_text.h"
 #include "list/post_token.h"
 #include "platform/env.h"
+#include "platform/output_profile.h"
 
 #ifndef LXR_LIST_SECRET_FILE
 #define LXR_LIST_SECRET_FILE "/var/lib/lxradmin/list.secret"

@@ -4,10 +4,10 @@
 #include <nettle/sha2.h>
 
 #include "fields/dates.h"
-#include "platform/escape.h"
 #include "html/page.h"
 #include "list/csv.h"
 #include "list/list_text.h"
+#include "platform/escape.h"
 #include "platform/formatter.h"
 
 namespace {

@@ -7,9 +7,8 @@
 #include <ctime>
 #include <string>
 
-#include "support/capture.h"
-
 #include "state/request_state.h"  // ResetRequestState()
+#include "support/capture.h"
 
 namespace lxrtest {
 

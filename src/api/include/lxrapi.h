@@ -54,7 +54,8 @@ LXRAPI_EXPORT int LXRAdminWrite(const char* identity, const char* administratorP
  *                days="N" start="PREFIX" size="N" continuation="TOKEN"/>
  * reply:
  *   <UserList directory="ID" list="..." continuation="TOKEN or empty" writable="NAMES">
- *   <User name="..." dn="..." userPath="ID/DN" lastLogin="..." failures="N"><Reason>...</Reason></User>
+ *   <User name="..." dn="..." userPath="ID/DN" lastLogin="..."
+ * failures="N"><Reason>...</Reason></User>
  *   </UserList>
  * The continuation of a reply fetches the next page; empty means the list
  * is complete. docs/api.md gives every rule of both documents.

@@ -294,7 +294,7 @@ AccountState EvaluateServerAccount(const Entry& raw, const ServerPolicy& policy,
             state.reasons.push_back(Words(Say::LockedByFailures, failures));
         else if (when + policy.lockoutDuration > now)
             state.reasons.push_back(Words(Say::LockedByFailuresUntil, failures,
-                                         readable(when + policy.lockoutDuration)));
+                                          readable(when + policy.lockoutDuration)));
         state.redisable.insert("kvlxrfailurecount");
     }
 
