@@ -18,6 +18,8 @@
 #   LXR_LDAP_ROOT_PASSWORD_FILE
 #   LXR_LDAP_CA_FILE        the certificate for StartTLS ("" when openssl is missing)
 #   LXR_LDAP_WORK           a scratch folder, removed afterwards
+#   LXR_LDAP_SIZE_LIMIT     (read) the server's size limit, when not the
+#                           examples' 500; the service account may page past it
 #   LXR_LDAP_API_CONFIG     with --ppolicy: examples/ldap/lxrapi.toml for this
 #                           server and its password policy, in the scratch
 #                           folder; its audit file there, audit.db, is for the
@@ -83,6 +85,12 @@ root_hash=$(slappasswd -h '{SSHA}' -T "$work/root.pw") || fail "slappasswd faile
 sed -e "s|@RUN@|$work/run|g" -e "s|@DATA@|$work/data|g" -e "s|@LOG@|$work/log|g" \
     -e "s|@SCHEMA@|$source_dir/examples/ldap/kvlxr.ldif|g" -e "s|@ROOTPW@|$root_hash|g" \
     "$template" >"$work/config.ldif"
+# A smaller size limit than the examples' 500, for tests of long results;
+# the service account may then page past it, as docs/ldap.md advises.
+[ -n "${LXR_LDAP_SIZE_LIMIT:-}" ] &&
+    sed -i -e "s|^olcSizeLimit: .*|olcSizeLimit: $LXR_LDAP_SIZE_LIMIT|" \
+        -e "s|^olcRootPW: .*|&\nolcLimits: dn.exact=\"cn=lxradmin,ou=services,o=example\" size.prtotal=unlimited|" \
+        "$work/config.ldif"
 # StartTLS, when openssl can make the server a certificate (for 127.0.0.1,
 # its own CA).
 tls_ca=''

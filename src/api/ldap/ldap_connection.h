@@ -74,6 +74,13 @@ class LdapConnection {
     Status Search(std::string_view base, const std::string& filter,
                   const std::vector<std::string>& attributes, std::vector<Entry>* entries);
 
+    // Search() in pages of `pageSize` entries (simple paged results, RFC
+    // 2696), so that a long list of candidates is not cut at the size limit
+    // the server applies to one result; DNs only. A server without the
+    // control answers in one result, as Search() would.
+    Status SearchPaged(std::string_view base, const std::string& filter, int pageSize,
+                       std::vector<Entry>* entries);
+
     // The newest `limit` children of `base` matching `filter` by the time
     // attribute `newest` (a generalized time), newest first. The server sorts
     // when it offers sorting (RFC 2891); otherwise the entries it sent are

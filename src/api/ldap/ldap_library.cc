@@ -54,6 +54,11 @@ bool Load(LdapLibrary* l, std::string* error) {
     LXR_FIND(create_sort_keylist, ldap_create_sort_keylist);
     LXR_FIND(free_sort_keylist, ldap_free_sort_keylist);
     LXR_FIND(create_sort_control, ldap_create_sort_control);
+    LXR_FIND(create_page_control, ldap_create_page_control);
+    LXR_FIND(parse_result, ldap_parse_result);
+    LXR_FIND(parse_pageresponse_control, ldap_parse_pageresponse_control);
+    LXR_FIND(control_find, ldap_control_find);
+    LXR_FIND(controls_free, ldap_controls_free);
     LXR_FIND(ber_free, ber_free);
     LXR_FIND(ber_memfree, ber_memfree);
 #undef LXR_FIND

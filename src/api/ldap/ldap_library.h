@@ -42,6 +42,11 @@ struct LdapLibrary {
     decltype(&::ldap_create_sort_keylist) create_sort_keylist;
     decltype(&::ldap_free_sort_keylist) free_sort_keylist;
     decltype(&::ldap_create_sort_control) create_sort_control;
+    decltype(&::ldap_create_page_control) create_page_control;
+    decltype(&::ldap_parse_result) parse_result;
+    decltype(&::ldap_parse_pageresponse_control) parse_pageresponse_control;
+    decltype(&::ldap_control_find) control_find;
+    decltype(&::ldap_controls_free) controls_free;
     decltype(&::ber_free) ber_free;
     decltype(&::ber_memfree) ber_memfree;
 };

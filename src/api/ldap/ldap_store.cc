@@ -18,6 +18,11 @@ namespace lxrapi {
 
 namespace {
 
+// Candidates of a list are asked for in pages of this many DNs, so that a
+// directory with more locked or idle users than the server sends in one
+// result is still listed whole (given the paged total the server allows).
+constexpr int kListSearchPage = 250;
+
 // An entry as the transaction read it and as the body has changed it.
 // Under the server's password policy, `original` and `current` hold the
 // server's own attributes; Get shows them as the fields the pages know.
@@ -154,7 +159,7 @@ class LdapTransaction : public StoreWriter {
         std::string filter;
         Status s = ListFilter(query, serverPolicy(), &filter);
         std::vector<Entry> found;
-        if (s.ok()) s = ldap_.Search(query.base, filter, {}, &found);
+        if (s.ok()) s = ldap_.SearchPaged(query.base, filter, kListSearchPage, &found);
         if (!s.ok()) return s;
         std::vector<std::string> dns;
         for (const Entry& e : found) dns.push_back(e.dn);
