@@ -266,11 +266,11 @@ Status LdapConnection::SearchPaged(std::string_view base, const std::string& fil
     char noAttributes[] = LDAP_NO_ATTRS;
     char* names[] = {noAttributes, nullptr};
     const std::string where = std::string(base);
-    berval cookie{0, nullptr};
-    std::string kept;  // the server's cookie between two pages
+    std::string cookie;  // the server's, between two pages
     for (;;) {
+        berval last{cookie.size(), cookie.data()};
         LDAPControl* page = nullptr;
-        int rc = l_->create_page_control(ld_, pageSize, kept.empty() ? nullptr : &cookie, 0, &page);
+        int rc = l_->create_page_control(ld_, pageSize, cookie.empty() ? nullptr : &last, 0, &page);
         if (rc != LDAP_SUCCESS)
             return Failure(rc, "cannot search below " + Quoted(base, 200), kUnreachable);
         LDAPControl* controls[] = {page, nullptr};
@@ -278,35 +278,36 @@ Status LdapConnection::SearchPaged(std::string_view base, const std::string& fil
         rc = l_->search_ext_s(ld_, where.c_str(), LDAP_SCOPE_SUBTREE, filter.c_str(), names, 0,
                               controls, nullptr, nullptr, 0, &raw);
         l_->control_free(page);
-        Result result(l_, raw);
-        if (rc == LDAP_NO_SUCH_OBJECT) return Status::OK();
-        if (rc != LDAP_SUCCESS && rc != LDAP_SIZELIMIT_EXCEEDED)
-            return Failure(rc, "cannot search below " + Quoted(base, 200), kUnreachable);
-        for (LDAPMessage* e = l_->first_entry(ld_, result.get()); e; e = l_->next_entry(ld_, e))
-            entries->push_back(ToEntry(l_, ld_, e));
-        // The cookie for the next page rides on the search's final result;
-        // none, or an empty one, means the server has sent everything.
-        LDAPControl** returned = nullptr;
-        int code = LDAP_SUCCESS;
-        if (rc == LDAP_SIZELIMIT_EXCEEDED || raw == nullptr ||
-            l_->parse_result(ld_, raw, &code, nullptr, nullptr, nullptr, &returned, 0) !=
-                LDAP_SUCCESS)
-            return Status::OK();
-        LDAPControl* response =
-            returned ? l_->control_find(LDAP_CONTROL_PAGEDRESULTS, returned, nullptr) : nullptr;
-        berval next{0, nullptr};
-        ber_int_t estimate = 0;
-        bool more =
-            response != nullptr &&
-            l_->parse_pageresponse_control(ld_, response, &estimate, &next) == LDAP_SUCCESS &&
-            next.bv_len > 0;
-        if (more) kept.assign(next.bv_val, next.bv_len);
-        if (next.bv_val) l_->ber_memfree(next.bv_val);
-        if (returned) l_->controls_free(returned);
-        if (!more) return Status::OK();
-        cookie.bv_val = kept.data();
-        cookie.bv_len = kept.size();
+        // Read before Collect frees the result.
+        cookie = rc == LDAP_SUCCESS ? NextPageCookie(raw) : std::string();
+        std::vector<Entry> more;
+        Status s = Collect(rc, raw, base, &more);
+        if (!s.ok()) return s;
+        entries->insert(entries->end(), std::make_move_iterator(more.begin()),
+                        std::make_move_iterator(more.end()));
+        if (cookie.empty()) return Status::OK();
     }
+}
+
+std::string LdapConnection::NextPageCookie(LDAPMessage* raw) const {
+    // The cookie rides on the search's final result; none, or an empty one,
+    // means the server has sent everything.
+    LDAPControl** returned = nullptr;
+    int code = LDAP_SUCCESS;
+    if (raw == nullptr ||
+        l_->parse_result(ld_, raw, &code, nullptr, nullptr, nullptr, &returned, 0) != LDAP_SUCCESS)
+        return std::string();
+    std::string cookie;
+    LDAPControl* response =
+        returned ? l_->control_find(LDAP_CONTROL_PAGEDRESULTS, returned, nullptr) : nullptr;
+    berval next{0, nullptr};
+    ber_int_t estimate = 0;
+    if (response != nullptr &&
+        l_->parse_pageresponse_control(ld_, response, &estimate, &next) == LDAP_SUCCESS)
+        cookie.assign(next.bv_val ? next.bv_val : "", next.bv_len);
+    if (next.bv_val) l_->ber_memfree(next.bv_val);
+    if (returned) l_->controls_free(returned);
+    return cookie;
 }
 
 Status LdapConnection::Collect(int rc, LDAPMessage* raw, std::string_view base,

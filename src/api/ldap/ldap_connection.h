@@ -119,6 +119,8 @@ class LdapConnection {
     // The entries of a search's result (which it frees), or its failure; a
     // missing base gives none, a size limit those sent.
     Status Collect(int rc, LDAPMessage* raw, std::string_view base, std::vector<Entry>* entries);
+    // The paged-results cookie on a search's result; empty on the last page.
+    std::string NextPageCookie(LDAPMessage* raw) const;
     Status Bind();
     Status ReadPassword(std::string* password) const;
     Status OpenFailure(const std::string& what, const std::string& why) const;
