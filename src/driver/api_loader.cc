@@ -16,8 +16,7 @@
 #ifndef LXRAPI_LIBRARY
 #define LXRAPI_LIBRARY "libLXRAPI.so.0"
 #endif
-// Set only in sanitizer builds: the library's folder relative to the
-// executable's, tried when the search by name fails.
+// The build tree's folder of the library, relative to the executable's.
 #ifndef LXRAPI_FROM_EXECUTABLE
 #define LXRAPI_FROM_EXECUTABLE ""
 #endif
@@ -45,26 +44,33 @@ struct Library {
 
 // Loaded once per process and never closed, with lazy binding: a request
 // calls a small part of the library and its dependencies.
-// The library is looked for by name, as the dynamic linker finds one
-// (LD_LIBRARY_PATH, the executable's run path, which in the build tree is
-// relative to the executable, the system directories). A sanitizer's
-// interception of dlopen hides the executable's run path, so such a build
-// also tries the build tree's folder relative to the executable.
+// The executable carries no run path: the dynamic linker would search it
+// for the C library too, at every start, and probe a dozen folders there.
+// So the build tree's copy, beside the executable, is tried first by its
+// full path (one failed open where the program is installed), and then
+// the library by name, as the dynamic linker finds one (LD_LIBRARY_PATH,
+// the system's library path, where the package puts it).
+void* OpenLibrary(std::string* error) {
+    if (*LXRAPI_FROM_EXECUTABLE != '\0') {
+        std::string beside = ExecutableDirectory();
+        if (!beside.empty()) {
+            beside += "/" LXRAPI_FROM_EXECUTABLE "/" LXRAPI_LIBRARY;
+            if (void* handle = dlopen(beside.c_str(), RTLD_LAZY | RTLD_LOCAL)) return handle;
+        }
+    }
+    void* handle = dlopen(LXRAPI_LIBRARY, RTLD_LAZY | RTLD_LOCAL);
+    if (handle == nullptr) {
+        const char* why = dlerror();
+        *error = why ? why : LXRAPI_LIBRARY;
+    }
+    return handle;
+}
+
 const Library& Load() {
     static const Library library = [] {
         Library l;
-        void* handle = dlopen(LXRAPI_LIBRARY, RTLD_LAZY | RTLD_LOCAL);
-        if (handle == nullptr) {
-            const char* why = dlerror();
-            l.error = why ? why : LXRAPI_LIBRARY;
-            std::string beside = ExecutableDirectory();
-            if (*LXRAPI_FROM_EXECUTABLE != '\0' && !beside.empty()) {
-                beside += "/" LXRAPI_FROM_EXECUTABLE "/" LXRAPI_LIBRARY;
-                handle = dlopen(beside.c_str(), RTLD_LAZY | RTLD_LOCAL);
-            }
-            if (handle == nullptr) return l;
-            l.error.clear();
-        }
+        void* handle = OpenLibrary(&l.error);
+        if (handle == nullptr) return l;
         l.getDirectory = reinterpret_cast<GetDirectoryFn>(dlsym(handle, "LXRAdminGetDirectory"));
         l.read = reinterpret_cast<ReadFn>(dlsym(handle, "LXRAdminRead"));
         l.write = reinterpret_cast<WriteFn>(dlsym(handle, "LXRAdminWrite"));
