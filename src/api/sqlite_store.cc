@@ -551,8 +551,12 @@ Status SqliteStore::CheckHeader() {
     // leaves reading the schema to the first query that needs it.
     long long applicationId = 0, schemaVersion = 0;
     if (!HeaderValue("PRAGMA application_id", &applicationId) ||
-        !HeaderValue("PRAGMA user_version", &schemaVersion))
-        return OpenFailure(path_, sqlite3_errmsg(db_));
+        !HeaderValue("PRAGMA user_version", &schemaVersion)) {
+        int code = sqlite3_errcode(db_);
+        return code == SQLITE_BUSY || code == SQLITE_LOCKED
+                   ? Error("locked")
+                   : OpenFailure(path_, sqlite3_errmsg(db_));
+    }
     if (applicationId != kApplicationId) return OpenFailure(path_, "not an LXR directory store");
     if (schemaVersion != kSchemaVersion)
         return OpenFailure(path_, "schema version " + std::to_string(schemaVersion) +
