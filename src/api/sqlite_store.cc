@@ -38,7 +38,6 @@ CREATE TABLE audit(
     role TEXT NOT NULL,
     user TEXT NOT NULL,
     user_key TEXT NOT NULL);
-CREATE INDEX audit_user ON audit(user_key);
 CREATE TABLE audit_change(
     audit INTEGER NOT NULL REFERENCES audit(id),
     seq INTEGER NOT NULL,
@@ -618,15 +617,26 @@ Status SqliteStore::RunTransaction(const char* begin, const std::function<Status
     return s;
 }
 
+std::string SqliteStore::JournalMode(const char* pragma) {
+    sqlite3_stmt* stmt = nullptr;
+    std::string mode;
+    if (sqlite3_prepare_v2(db_, pragma, -1, &stmt, nullptr) == SQLITE_OK &&
+        sqlite3_step(stmt) == SQLITE_ROW)
+        mode = Lower(reinterpret_cast<const char*>(sqlite3_column_text(stmt, 0)));
+    sqlite3_finalize(stmt);
+    return mode;
+}
+
 void SqliteStore::ChooseJournal() {
+    journalChosen_ = JournalMode("PRAGMA journal_mode") != "wal";
+    if (journalChosen_) return;  // the rollback journal is every connection's default
     // Without waiting: leaving the log needs the file to itself.
     sqlite3_busy_timeout(db_, 0);
-    sqlite3_stmt* stmt = nullptr;
-    if (sqlite3_prepare_v2(db_, "PRAGMA journal_mode=DELETE", -1, &stmt, nullptr) == SQLITE_OK &&
-        sqlite3_step(stmt) == SQLITE_ROW)
-        journalChosen_ =
-            EqualsNoCase(reinterpret_cast<const char*>(sqlite3_column_text(stmt, 0)), "delete");
-    sqlite3_finalize(stmt);
+    journalChosen_ = JournalMode("PRAGMA journal_mode=DELETE") == "delete";
+    // The earlier release's index of the audit by user, which no query
+    // uses, goes too: every process pays for parsing it.
+    if (journalChosen_)
+        sqlite3_exec(db_, "DROP INDEX IF EXISTS audit_user", nullptr, nullptr, nullptr);
     sqlite3_busy_timeout(db_, busyTimeoutMs_);
 }
 

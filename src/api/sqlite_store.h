@@ -78,6 +78,9 @@ class SqliteStore : public Store {
     // costs readers nothing but a lock. (Deleted after each write rather
     // than truncated: with full syncs, truncating costs one sync more.)
     void ChooseJournal();
+    // The journal mode that `pragma` (a journal_mode PRAGMA) gives, in lower
+    // case; "" if it fails.
+    std::string JournalMode(const char* pragma);
 
     std::string path_;
     sqlite3* db_;

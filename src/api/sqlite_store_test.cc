@@ -189,16 +189,17 @@ std::string FailureCount(SqliteStore& store) {
     return e.First("kvlxrFailureCount");
 }
 
-// Stores of the earlier release keep a write-ahead log: they are read as they
-// are, and the first write made while no other process has the file open
-// moves them to the rollback journal, with every committed change kept.
+// Stores of the earlier release keep a write-ahead log (and an index no
+// query uses): they are read as they are, and the first write made while no
+// other process has the file open moves them to the rollback journal, with
+// every committed change kept.
 TEST_F(SqliteStoreTest, AWriteAheadLogStoreIsReadAndMovedToTheJournalWhenAlone) {
     store_.reset();
     sqlite3* old = nullptr;
     ASSERT_EQ(sqlite3_open(path_.c_str(), &old), SQLITE_OK);
     ASSERT_EQ(sqlite3_exec(old,
-                           "PRAGMA journal_mode=WAL; UPDATE value SET text = '1' WHERE "
-                           "attr_key = 'kvlxrfailurecount'",
+                           "PRAGMA journal_mode=WAL; CREATE INDEX audit_user ON audit(user_key); "
+                           "UPDATE value SET text = '1' WHERE attr_key = 'kvlxrfailurecount'",
                            nullptr, nullptr, nullptr),
               SQLITE_OK);  // left in the log: `old` stays open
     ASSERT_TRUE(SqliteStore::Open(path_, 1000, &store_).ok());
@@ -213,6 +214,11 @@ TEST_F(SqliteStoreTest, AWriteAheadLogStoreIsReadAndMovedToTheJournalWhenAlone) 
     sqlite3_close(old);
     ASSERT_TRUE(write("3").ok());
     EXPECT_EQ(JournalMode(path_), "delete");
+    sqlite3* check = nullptr;
+    sqlite3_open(path_.c_str(), &check);
+    EXPECT_EQ(sqlite3_exec(check, "DROP INDEX audit_user", nullptr, nullptr, nullptr), SQLITE_ERROR)
+        << "the earlier release's unused index is left";
+    sqlite3_close(check);
     std::unique_ptr<SqliteStore> again;
     ASSERT_TRUE(SqliteStore::Open(path_, 1000, &again).ok());
     EXPECT_EQ(FailureCount(*again), "3");
