@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <mutex>
 
 #include "clock.h"
@@ -14,7 +15,8 @@ namespace lxrapi {
 
 namespace {
 
-constexpr int kApplicationId = 0x4c585244;  // "LXRD": tells our files from other databases
+constexpr int kApplicationId = 0x4c585244;      // "LXRD": tells our files from other databases
+constexpr sqlite3_int64 kMapBytes = 1LL << 30;  // a larger store is mapped in part
 
 constexpr const char* kSchema = R"SQL(
 CREATE TABLE entry(
@@ -36,7 +38,6 @@ CREATE TABLE audit(
     role TEXT NOT NULL,
     user TEXT NOT NULL,
     user_key TEXT NOT NULL);
-CREATE INDEX audit_user ON audit(user_key);
 CREATE TABLE audit_change(
     audit INTEGER NOT NULL REFERENCES audit(id),
     seq INTEGER NOT NULL,
@@ -95,6 +96,12 @@ class Query {
     Status status_;
 };
 
+// An entry's values with their ids, to be put in stored (id) order by the
+// caller: without ORDER BY the index on (entry, attr_key) serves the lookup
+// alone, while SQLite's sorter, set up afresh in every process, costs more
+// than the query itself.
+constexpr const char* kValues = "SELECT id, attr, text FROM value WHERE entry = ?1";
+
 class SqliteTransaction : public StoreWriter {
   public:
     explicit SqliteTransaction(SqliteStore& store) : store_(store) {}
@@ -113,22 +120,21 @@ class SqliteTransaction : public StoreWriter {
     }
 
     Status Get(std::string_view dn, Entry* entry, bool* found) override {
-        return GetValues(dn, "SELECT attr, text FROM value WHERE entry = ?1 ORDER BY id", entry,
-                         found);
+        return GetValues(dn, kValues, entry, found);
     }
 
     // The entry without the values no list rule reads and no list shows: a
     // user under attack may hold thousands of history entries.
     Status GetForList(std::string_view dn, Entry* entry, bool* found) {
         return GetValues(dn,
-                         "SELECT attr, text FROM value WHERE entry = ?1 AND attr_key NOT IN "
+                         "SELECT id, attr, text FROM value WHERE entry = ?1 AND attr_key NOT IN "
                          "('kvlxrloginhistory', 'kvfpslog', 'kvlxrhistory', "
-                         "'kvlxrgenerationalredirects') ORDER BY id",
+                         "'kvlxrgenerationalredirects')",
                          entry, found);
     }
 
-    // `sql` (a literal: statements are cached by its address) reads the
-    // values of the entry ?1.
+    // `sql` (a literal: statements are cached by its address) reads the id,
+    // attribute and text of the values of the entry ?1.
     Status GetValues(std::string_view dn, const char* sql, Entry* entry, bool* found) {
         long long id = 0;
         Entry e;
@@ -138,57 +144,67 @@ class SqliteTransaction : public StoreWriter {
         Query q(store_, sql);
         if (!q.ok()) return q.status();
         q.Bind(1, id);
-        while (q.Row(&s)) {
-            std::string attr = q.Text(0);
+        struct Row {
+            long long id;
+            std::string attr, text;
+        };
+        std::vector<Row> rows;
+        while (q.Row(&s)) rows.push_back({q.Int(0), q.Text(1), q.Text(2)});
+        if (!s.ok()) return s;
+        std::sort(rows.begin(), rows.end(), [](const Row& a, const Row& b) { return a.id < b.id; });
+        for (Row& row : rows) {
             EntryAttribute* slot = nullptr;
             for (EntryAttribute& a : e.attributes)
-                if (EqualsNoCase(a.name, attr)) slot = &a;
+                if (EqualsNoCase(a.name, row.attr)) slot = &a;
             if (!slot) {
-                e.attributes.push_back({attr, {}});
+                e.attributes.push_back({std::move(row.attr), {}});
                 slot = &e.attributes.back();
             }
-            slot->values.push_back(q.Text(1));
+            slot->values.push_back(std::move(row.text));
         }
-        if (s.ok()) *entry = std::move(e);
+        *entry = std::move(e);
         return s;
     }
 
+    // Two plain statements rather than one join: in a process that reads
+    // once, preparing a join costs more than it saves.
     Status FindByValue(std::string_view base, const std::vector<std::string>& attributes,
                        std::string_view value, std::vector<std::string>* dns) override {
         dns->clear();
-        std::vector<std::string> keys;
+        std::vector<long long> ids;
         Status s;
         for (const std::string& attribute : attributes) {
-            Query q(store_,
-                    "SELECT e.dn, e.dn_key FROM value v JOIN entry e ON e.id = v.entry "
-                    "WHERE v.attr_key = ?1 AND lower(v.text) = lower(?2) ORDER BY e.id");
+            Query q(store_, "SELECT entry FROM value WHERE attr_key = ?1 AND lower(text) = ?2");
             if (!q.ok()) return q.status();
-            q.Bind(1, Lower(attribute)).Bind(2, value);
-            while (q.Row(&s)) {
-                std::string dn = q.Text(0), key = q.Text(1);
-                if (!IsBelow(dn, base)) continue;
-                bool seen = false;
-                for (const std::string& k : keys) seen = seen || k == key;
-                if (seen) continue;
-                keys.push_back(key);
-                dns->push_back(dn);
-            }
+            q.Bind(1, Lower(attribute)).Bind(2, Lower(value));
+            std::vector<long long> found;
+            while (q.Row(&s)) found.push_back(q.Int(0));
+            if (!s.ok()) return s;
+            std::sort(found.begin(), found.end());  // store order within an attribute
+            for (long long id : found)
+                if (std::find(ids.begin(), ids.end(), id) == ids.end()) ids.push_back(id);
+        }
+        for (long long id : ids) {
+            Query q(store_, "SELECT dn FROM entry WHERE id = ?1");
+            if (!q.ok()) return q.status();
+            q.Bind(1, id);
+            if (q.Row(&s) && IsBelow(q.Text(0), base)) dns->push_back(q.Text(0));
             if (!s.ok()) return s;
         }
         return s;
     }
 
+    // Reads the group with Get's statement (one statement less to prepare)
+    // and looks at its "member" values.
     Status IsMember(std::string_view group, std::string_view member, bool* result) override {
         *result = false;
-        long long id = 0;
-        Status s = EntryId(group, &id, nullptr);
-        if (!s.ok() || id == 0) return s;
-        Query q(store_, "SELECT text FROM value WHERE entry = ?1 AND attr_key = 'member'");
-        if (!q.ok()) return q.status();
-        q.Bind(1, id);
+        Entry e;
+        bool found = false;
+        Status s = Get(group, &e, &found);
+        if (!s.ok() || !found) return s;
         std::string key = DnKey(member);
-        while (q.Row(&s))
-            if (DnKey(q.Text(0)) == key) *result = true;
+        for (const std::string& m : e.Values("member"))
+            if (DnKey(m) == key) *result = true;
         return s;
     }
 
@@ -284,7 +300,7 @@ class SqliteTransaction : public StoreWriter {
             Query ins(store_, "INSERT INTO entry(dn, dn_key) VALUES(?1, ?2)");
             if (!ins.ok()) return ins.status();
             if (!(s = ins.Bind(1, entry.dn).Bind(2, DnKey(entry.dn)).Run()).ok()) return s;
-            if (!(s = EntryId(entry.dn, &id, nullptr)).ok()) return s;
+            id = store_.LastRowId();
         }
         for (const EntryAttribute& a : entry.attributes)
             if (!(s = InsertValues(id, a.name, a.values)).ok()) return s;
@@ -317,13 +333,7 @@ class SqliteTransaction : public StoreWriter {
                 .Bind(5, DnKey(record.user));
             if (!(s = q.Run()).ok()) return s;
         }
-        long long id = 0;
-        {
-            Query q(store_, "SELECT last_insert_rowid()");
-            if (!q.ok()) return q.status();
-            if (q.Row(&s)) id = q.Int(0);
-            if (!s.ok()) return s;
-        }
+        long long id = store_.LastRowId();
         long long seq = 0;
         for (const AuditChange& c : record.changes) {
             Query q(store_,
@@ -426,6 +436,22 @@ class SqliteTransaction : public StoreWriter {
     SqliteStore& store_;
 };
 
+// Process-wide settings, made before SQLite's first use in this process
+// (SQLite is linked into this library alone, so they are ours to make).
+// Pages are read through a read-only memory map of the file: the kernel's
+// page cache serves them, with no read call and no copy on our heap per page.
+// And the page cache starts empty instead of with a bulk allocation of 20
+// pages, which it touches at once: with the map, most processes need no
+// page of their own. Should SQLite have been set up before (a test that
+// opens a file first), the calls fail and reads go through read() as before.
+void ConfigureSqlite() {
+    static std::once_flag once;
+    std::call_once(once, [] {
+        sqlite3_config(SQLITE_CONFIG_MMAP_SIZE, kMapBytes, kMapBytes);
+        sqlite3_config(SQLITE_CONFIG_PAGECACHE, nullptr, 0, 0);
+    });
+}
+
 Status OpenFailure(const std::string& path, const std::string& why) {
     return Status::Unreachable("Directory store " + Shown(path) + " cannot be opened: " + why);
 }
@@ -474,41 +500,68 @@ Status SqliteStore::Exec(const char* sql) {
     return Status::OK();
 }
 
+long long SqliteStore::LastRowId() const {
+    return sqlite3_last_insert_rowid(db_);
+}
+
 void SqliteStore::SetBusyTimeout(int ms) {
+    busyTimeoutMs_ = ms;
     sqlite3_busy_timeout(db_, ms);
 }
 
 Status SqliteStore::Open(const std::string& path, int busyTimeoutMs,
                          std::unique_ptr<SqliteStore>* store) {
-    struct stat st {};
-    if (::stat(path.c_str(), &st) != 0) return OpenFailure(path, "no such file");
-    if (::access(path.c_str(), R_OK | W_OK) != 0)
-        return OpenFailure(path, "not readable and writable by this process");
+    std::unique_ptr<SqliteStore> s;
+    Status status = OpenUnchecked(path, busyTimeoutMs, &s);
+    if (status.ok()) status = s->Read([](StoreReader&) { return Status::OK(); });
+    if (status.ok()) *store = std::move(s);
+    return status;
+}
+
+Status SqliteStore::OpenUnchecked(const std::string& path, int busyTimeoutMs,
+                                  std::unique_ptr<SqliteStore>* store) {
+    ConfigureSqlite();
     sqlite3* db = nullptr;
     int rc =
         sqlite3_open_v2(path.c_str(), &db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
+    // SQLite falls back to reading a file it may not write.
+    if (rc == SQLITE_OK && sqlite3_db_readonly(db, "main") == 1) rc = SQLITE_READONLY;
     if (rc != SQLITE_OK) {
-        std::string why = db ? sqlite3_errmsg(db) : "out of memory";
+        // Asked only now, so that opening a good store costs no path look-ups.
+        struct stat st {};
+        std::string why = ::stat(path.c_str(), &st) != 0 ? "no such file"
+                          : ::access(path.c_str(), R_OK | W_OK) != 0 || rc == SQLITE_READONLY
+                              ? "not readable and writable by this process"
+                          : db ? sqlite3_errmsg(db)
+                               : "out of memory";
         sqlite3_close_v2(db);
         return OpenFailure(path, why);
     }
     std::unique_ptr<SqliteStore> s(new SqliteStore(path, db));
     s->SetBusyTimeout(busyTimeoutMs);
-    // Our application id and schema version, read from the file's header.
+    *store = std::move(s);
+    return Status::OK();
+}
+
+Status SqliteStore::CheckHeader() {
     // Plain PRAGMAs rather than one SELECT over pragma_application_id and
     // pragma_user_version: those table-valued functions set up a virtual
     // table each, which cost more than opening the file, and a plain PRAGMA
     // leaves reading the schema to the first query that needs it.
     long long applicationId = 0, schemaVersion = 0;
-    if (!s->HeaderValue("PRAGMA application_id", &applicationId) ||
-        !s->HeaderValue("PRAGMA user_version", &schemaVersion))
-        return OpenFailure(path, sqlite3_errmsg(db));
-    if (applicationId != kApplicationId) return OpenFailure(path, "not an LXR directory store");
+    if (!HeaderValue("PRAGMA application_id", &applicationId) ||
+        !HeaderValue("PRAGMA user_version", &schemaVersion)) {
+        int code = sqlite3_errcode(db_);
+        return code == SQLITE_BUSY || code == SQLITE_LOCKED
+                   ? Error("locked")
+                   : OpenFailure(path_, sqlite3_errmsg(db_));
+    }
+    if (applicationId != kApplicationId) return OpenFailure(path_, "not an LXR directory store");
     if (schemaVersion != kSchemaVersion)
-        return OpenFailure(path, "schema version " + std::to_string(schemaVersion) +
-                                     ", this library reads version " +
-                                     std::to_string(kSchemaVersion));
-    *store = std::move(s);
+        return OpenFailure(path_, "schema version " + std::to_string(schemaVersion) +
+                                      ", this library reads version " +
+                                      std::to_string(kSchemaVersion));
+    checked_ = true;
     return Status::OK();
 }
 
@@ -516,6 +569,7 @@ Status SqliteStore::Create(const std::string& path, std::unique_ptr<SqliteStore>
     struct stat st {};
     if (::stat(path.c_str(), &st) == 0)
         return Status::UpdateFailed("Directory store " + Shown(path) + " already exists");
+    ConfigureSqlite();
     sqlite3* db = nullptr;
     int rc =
         sqlite3_open_v2(path.c_str(), &db,
@@ -526,34 +580,82 @@ Status SqliteStore::Create(const std::string& path, std::unique_ptr<SqliteStore>
         return Status::Unreachable("Directory store " + Shown(path) + " cannot be created: " + why);
     }
     std::unique_ptr<SqliteStore> s(new SqliteStore(path, db));
-    std::string setup = std::string("PRAGMA journal_mode=WAL; BEGIN; ") + kSchema +
+    std::string setup = std::string("BEGIN; ") + kSchema +
                         "PRAGMA application_id=" + std::to_string(kApplicationId) +
                         "; PRAGMA user_version=" + std::to_string(kSchemaVersion) + "; COMMIT;";
     Status status = s->Exec(setup.c_str());
     if (!status.ok()) return status;
     s->SetBusyTimeout(5000);
+    s->checked_ = true;
     *store = std::move(s);
     return Status::OK();
 }
 
-Status SqliteStore::RunTransaction(const char* begin, const std::function<Status()>& body) {
-    std::lock_guard<std::mutex> lock(mutex_);
-    if (!db_) return Status::Unreachable("Directory store " + Shown(path_) + " is closed");
-    Status s = Exec(begin);
-    if (!s.ok()) return s;
-    s = body();
-    if (s.ok()) s = Exec("COMMIT");
-    if (!s.ok() && !sqlite3_get_autocommit(db_))
-        sqlite3_exec(db_, "ROLLBACK", nullptr, nullptr, nullptr);
+Status SqliteStore::Run(const char* sql) {
+    Status s;
+    sqlite3_stmt* stmt = Statement(sql, &s);
+    if (!stmt) return s;
+    int rc = sqlite3_step(stmt);
+    if (rc != SQLITE_DONE && rc != SQLITE_ROW) s = Error("failed");
+    sqlite3_reset(stmt);
     return s;
 }
 
+Status SqliteStore::RunTransaction(const char* begin, const std::function<Status()>& body) {
+    if (!db_) return Status::Unreachable("Directory store " + Shown(path_) + " is closed");
+    Status s = Run(begin);
+    int code = sqlite3_errcode(db_);
+    if (!s.ok() && !checked_ && code != SQLITE_BUSY && code != SQLITE_LOCKED)
+        return OpenFailure(path_, sqlite3_errmsg(db_));  // a file that is no store at all
+    if (!s.ok()) return s;
+    // Inside the first transaction, whose lock then covers the header, the
+    // schema and the body's reads at once.
+    if (!checked_) s = CheckHeader();
+    if (s.ok()) s = body();
+    if (s.ok()) s = Run("COMMIT");
+    if (!s.ok() && !sqlite3_get_autocommit(db_)) Run("ROLLBACK");
+    return s;
+}
+
+std::string SqliteStore::JournalMode(const char* pragma) {
+    sqlite3_stmt* stmt = nullptr;
+    std::string mode;
+    if (sqlite3_prepare_v2(db_, pragma, -1, &stmt, nullptr) == SQLITE_OK &&
+        sqlite3_step(stmt) == SQLITE_ROW)
+        mode = Lower(reinterpret_cast<const char*>(sqlite3_column_text(stmt, 0)));
+    sqlite3_finalize(stmt);
+    return mode;
+}
+
+void SqliteStore::ChooseJournal() {
+    journalChosen_ = JournalMode("PRAGMA journal_mode") != "wal";
+    if (journalChosen_) return;  // the rollback journal is every connection's default
+    // Without waiting: leaving the log needs the file to itself.
+    sqlite3_busy_timeout(db_, 0);
+    journalChosen_ = JournalMode("PRAGMA journal_mode=DELETE") == "delete";
+    // The earlier release's index of the audit by user, which no query
+    // uses, goes too: every process pays for parsing it.
+    if (journalChosen_)
+        sqlite3_exec(db_, "DROP INDEX IF EXISTS audit_user", nullptr, nullptr, nullptr);
+    sqlite3_busy_timeout(db_, busyTimeoutMs_);
+}
+
 Status SqliteStore::Read(const std::function<Status(StoreReader&)>& body) {
+    std::lock_guard<std::mutex> lock(mutex_);
     SqliteTransaction tx(*this);
     return RunTransaction("BEGIN", [&] { return body(tx); });
 }
 
 Status SqliteStore::Write(const std::function<Status(StoreWriter&)>& body) {
+    std::lock_guard<std::mutex> lock(mutex_);
+    if (db_ && !journalChosen_) {
+        // Only a file found to be ours has its journal changed.
+        if (!checked_) {
+            Status s = RunTransaction("BEGIN", [] { return Status::OK(); });
+            if (!s.ok()) return s;
+        }
+        ChooseJournal();
+    }
     SqliteTransaction tx(*this);
     return RunTransaction("BEGIN IMMEDIATE", [&] { return body(tx); });
 }
@@ -581,7 +683,7 @@ Status SqliteStoreProvider::Open(const std::string& path, Store** store) {
     auto it = o.stores.find(path);
     if (it == o.stores.end()) {
         std::unique_ptr<SqliteStore> opened;
-        Status s = SqliteStore::Open(path, busyTimeoutMs_, &opened);
+        Status s = SqliteStore::OpenUnchecked(path, busyTimeoutMs_, &opened);
         if (!s.ok()) return s;
         it = o.stores.emplace(path, std::move(opened)).first;
     } else {

@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
+#include <chrono>
 #include <fstream>
+#include <thread>
 
 #include "test_support.h"
 
@@ -127,9 +129,15 @@ TEST_F(SqliteStoreTest, UnusableFilesAreNamed) {
     sqlite3_close(db);
     for (const Case& c : cases) {
         Status st = SqliteStore::Open(c.path, 100, &s);
-        EXPECT_EQ(st.code(), kUnreachable) << c.path;
-        EXPECT_NE(st.message().find(c.path), std::string::npos) << st.message();
-        EXPECT_NE(st.message().find(c.problem), std::string::npos) << st.message();
+        // Opened unchecked, the same failure comes from the first transaction.
+        std::unique_ptr<SqliteStore> unchecked;
+        Status later = SqliteStore::OpenUnchecked(c.path, 100, &unchecked);
+        if (later.ok()) later = unchecked->Read([](StoreReader&) { return Status::OK(); });
+        for (const Status& failed : {st, later}) {
+            EXPECT_EQ(failed.code(), kUnreachable) << c.path;
+            EXPECT_NE(failed.message().find(c.path), std::string::npos) << failed.message();
+            EXPECT_NE(failed.message().find(c.problem), std::string::npos) << failed.message();
+        }
     }
     EXPECT_FALSE(SqliteStore::Create(path_, &s).ok());  // never over an existing file
 }
@@ -150,8 +158,92 @@ TEST_F(SqliteStoreTest, ALockHeldPastTheTimeoutIsReportedAndReadsGoOn) {
                         return r.ListDns(&dns);
                     })
                     .ok());
+    // A commit that holds readers out past the timeout: a process's first
+    // read, which also checks the file's header, says the store is locked.
+    sqlite3_exec(other, "ROLLBACK; BEGIN EXCLUSIVE", nullptr, nullptr, nullptr);
+    std::unique_ptr<SqliteStore> fresh;
+    ASSERT_TRUE(SqliteStore::OpenUnchecked(path_, 100, &fresh).ok());
+    s = fresh->Read([](StoreReader&) { return Status::OK(); });
+    EXPECT_NE(s.message().find("is locked"), std::string::npos) << s.message();
     sqlite3_exec(other, "ROLLBACK", nullptr, nullptr, nullptr);
     sqlite3_close(other);
+}
+
+std::string JournalMode(const std::string& path) {
+    sqlite3* db = nullptr;
+    sqlite3_open(path.c_str(), &db);
+    sqlite3_stmt* stmt = nullptr;
+    sqlite3_prepare_v2(db, "PRAGMA journal_mode", -1, &stmt, nullptr);
+    std::string mode = sqlite3_step(stmt) == SQLITE_ROW
+                           ? reinterpret_cast<const char*>(sqlite3_column_text(stmt, 0))
+                           : "";
+    sqlite3_finalize(stmt);
+    sqlite3_close(db);
+    return mode;
+}
+
+std::string FailureCount(SqliteStore& store) {
+    Entry e;
+    bool found = false;
+    store.Read([&](StoreReader& r) { return r.Get("uid=ann,ou=people,o=t", &e, &found); });
+    return e.First("kvlxrFailureCount");
+}
+
+// Stores of the earlier release keep a write-ahead log (and an index no
+// query uses): they are read as they are, and the first write made while no
+// other process has the file open moves them to the rollback journal, with
+// every committed change kept.
+TEST_F(SqliteStoreTest, AWriteAheadLogStoreIsReadAndMovedToTheJournalWhenAlone) {
+    store_.reset();
+    sqlite3* old = nullptr;
+    ASSERT_EQ(sqlite3_open(path_.c_str(), &old), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(old,
+                           "PRAGMA journal_mode=WAL; CREATE INDEX audit_user ON audit(user_key); "
+                           "UPDATE value SET text = '1' WHERE attr_key = 'kvlxrfailurecount'",
+                           nullptr, nullptr, nullptr),
+              SQLITE_OK);  // left in the log: `old` stays open
+    ASSERT_TRUE(SqliteStore::Open(path_, 1000, &store_).ok());
+    EXPECT_EQ(FailureCount(*store_), "1");
+    auto write = [&](const char* count) {
+        return store_->Write([&](StoreWriter& w) {
+            return w.Replace("uid=ann,ou=people,o=t", "kvlxrFailureCount", {count});
+        });
+    };
+    ASSERT_TRUE(write("2").ok());
+    EXPECT_EQ(JournalMode(path_), "wal");  // another connection still had it open
+    sqlite3_close(old);
+    ASSERT_TRUE(write("3").ok());
+    EXPECT_EQ(JournalMode(path_), "delete");
+    sqlite3* check = nullptr;
+    sqlite3_open(path_.c_str(), &check);
+    EXPECT_EQ(sqlite3_exec(check, "DROP INDEX audit_user", nullptr, nullptr, nullptr), SQLITE_ERROR)
+        << "the earlier release's unused index is left";
+    sqlite3_close(check);
+    std::unique_ptr<SqliteStore> again;
+    ASSERT_TRUE(SqliteStore::Open(path_, 1000, &again).ok());
+    EXPECT_EQ(FailureCount(*again), "3");
+}
+
+// A reader holds the file while a write commits: the writer waits for it
+// within the busy timeout and succeeds.
+TEST_F(SqliteStoreTest, AWriteWaitsForAReaderAndSucceeds) {
+    EXPECT_EQ(JournalMode(path_), "delete");
+    store_->SetBusyTimeout(5000);
+    sqlite3* reader = nullptr;
+    ASSERT_EQ(sqlite3_open(path_.c_str(), &reader), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(reader, "BEGIN; SELECT count(*) FROM value", nullptr, nullptr, nullptr),
+              SQLITE_OK);
+    std::thread done([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        sqlite3_exec(reader, "COMMIT", nullptr, nullptr, nullptr);
+    });
+    Status s = store_->Write([](StoreWriter& w) {
+        return w.Replace("uid=ann,ou=people,o=t", "kvlxrFailureCount", {"0"});
+    });
+    done.join();
+    sqlite3_close(reader);
+    EXPECT_TRUE(s.ok()) << s.message();
+    EXPECT_EQ(FailureCount(*store_), "0");
 }
 
 }  // namespace
