@@ -26,26 +26,64 @@ const char* Selected(bool on) {
     return on ? " SELECTED" : "";
 }
 
-void AppendNumber(std::string& out, long n) {
-    char digits[24];
-    auto r = std::to_chars(digits, digits + sizeof digits, n);
-    out.append(digits, static_cast<size_t>(r.ptr - digits));
+// The options 1 to 365 of a day list, days and whole weeks interleaved, as
+// "<OPTION VALUE=\"%ld\"%s>%ld %s\n" writes them, with none selected. A page
+// has two such lists in the same units, and making the text was most of the
+// page's cost, so it is made once per process and again only when the units
+// change.
+struct DayOptions {
+    std::string units[4];  // tagDay, tagDays, tagWeek, tagWeeks as made
+    std::string text;
+    size_t valueEnd[366] = {};  // per day count: the offset after its VALUE
+};
+
+void AppendDayOption(DayOptions& list, long days, long count, const std::string& unit) {
+    char head[48];
+    auto r = std::to_chars(head, head + sizeof head, days);
+    list.text.append("<OPTION VALUE=\"");
+    list.text.append(head, r.ptr);
+    list.text += '"';
+    list.valueEnd[days] = list.text.size();
+    char* p = head;
+    *p++ = '>';
+    p = std::to_chars(p, head + sizeof head, count).ptr;
+    *p++ = ' ';
+    list.text.append(head, p);
+    list.text.append(unit);
+    list.text += '\n';
 }
 
-// Appends one option of a day list, as "<OPTION VALUE=\"%ld\"%s>%ld %s\n"
-// would write it. The two day lists of a page hold 730 options between them,
-// and formatting each through printf was a fifth of the page's cost.
-void AppendDayOption(std::string& out, long days, bool selected, long count,
-                     const std::string& unit) {
-    out += "<OPTION VALUE=\"";
-    AppendNumber(out, days);
-    out += '"';
-    out += Selected(selected);
-    out += '>';
-    AppendNumber(out, count);
-    out += ' ';
-    out += unit;
-    out += '\n';
+const DayOptions& CurrentDayOptions() {
+    static DayOptions list;
+    const std::string* units[4] = {&tagDay, &tagDays, &tagWeek, &tagWeeks};
+    bool same = !list.text.empty();
+    for (int i = 0; i < 4 && same; ++i) same = list.units[i] == *units[i];
+    if (same) return list;
+    for (int i = 0; i < 4; ++i) list.units[i] = *units[i];
+    list.text.clear();
+    list.text.reserve(365 * 24 + 365 * tagDays.size());
+    for (long n = 1; n <= 365; ++n) {
+        if (n % 7 != 0) {
+            AppendDayOption(list, n, n, n == 1 ? tagDay : tagDays);
+        } else {
+            long weeks = n / 7;
+            AppendDayOption(list, n, weeks, weeks == 1 ? tagWeek : tagWeeks);
+        }
+    }
+    return list;
+}
+
+// The day options with `days` selected when it is one of them.
+void WriteDayOptions(long days) {
+    const DayOptions& list = CurrentDayOptions();
+    if (days < 1 || days > 365) {
+        prtFormatter.write(list.text.data(), list.text.size());
+        return;
+    }
+    size_t at = list.valueEnd[days];
+    prtFormatter.write(list.text.data(), at);
+    Put(Selected(true));
+    prtFormatter.write(list.text.data() + at, list.text.size() - at);
 }
 
 const char kDaysMove[] =
@@ -130,18 +168,8 @@ Finisher inDaysOverride(const char* name, const char* value, int, bool, bool) {
     prtFormatter.printf("<OPTION VALUE=\"0\"%s>%s\n", Selected(!word.empty() && days == 0),
                         tagNever);
     // Days and whole weeks interleaved; every VALUE is a number of days.
-    std::string options;
-    options.reserve(365 * 40);
-    for (long n = 1; n <= 365; ++n) {
-        if (n % 7 != 0) {
-            AppendDayOption(options, n, n == days, n, n == 1 ? tagDay : tagDays);
-        } else {
-            long weeks = n / 7;
-            AppendDayOption(options, n, n == days, weeks, weeks == 1 ? tagWeek : tagWeeks);
-        }
-    }
-    options += "</SELECT>\n";
-    Put(options.c_str());
+    WriteDayOptions(days);
+    Put("</SELECT>\n");
     prtFormatter.printf("<span class=\"INNERPROMPT\">&nbsp;&nbsp;%s&nbsp;</span>", tagComment);
     prtFormatter.printf(
         "<INPUT TYPE=\"TEXT\" NAME=\"%s_COMMENT\" VALUE=\"%s\" SIZE=\"20\" MAXLENGTH=\"20\">\n",

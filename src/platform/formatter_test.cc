@@ -85,7 +85,7 @@ TEST(CKvFormatter, PrintfWritesToStandardOutput) {
     CKvFormatter f;
     testing::internal::CaptureStdout();
     int n = f.printf("<h1>%s</h1>%ld\n", "T", 9L);
-    std::fflush(stdout);
+    FlushFormattedOutput();
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "<h1>T</h1>9\n");
     EXPECT_EQ(n, 12);
 }
