@@ -1,6 +1,8 @@
 #include "fields/edit_simple.h"
 
+#include <algorithm>
 #include <charconv>
+#include <cstring>
 #include <cstdlib>
 #include <string>
 
@@ -37,20 +39,21 @@ struct DayOptions {
     size_t valueEnd[366] = {};  // per day count: the offset after its VALUE
 };
 
-void AppendDayOption(DayOptions& list, long days, long count, const std::string& unit) {
-    char head[48];
-    auto r = std::to_chars(head, head + sizeof head, days);
-    list.text.append("<OPTION VALUE=\"");
-    list.text.append(head, r.ptr);
-    list.text += '"';
-    list.valueEnd[days] = list.text.size();
-    char* p = head;
+// Writes the option of `days` at `p`, with room for it, and returns its
+// end; `valueEnd` receives the end of its VALUE.
+char* WriteDayOption(char* p, long days, long count, const std::string& unit, char** valueEnd) {
+    static const char kHead[] = "<OPTION VALUE=\"";
+    std::memcpy(p, kHead, sizeof kHead - 1);
+    p = std::to_chars(p + sizeof kHead - 1, p + 32, days).ptr;
+    *p++ = '"';
+    *valueEnd = p;
     *p++ = '>';
-    p = std::to_chars(p, head + sizeof head, count).ptr;
+    p = std::to_chars(p, p + 8, count).ptr;
     *p++ = ' ';
-    list.text.append(head, p);
-    list.text.append(unit);
-    list.text += '\n';
+    std::memcpy(p, unit.data(), unit.size());
+    p += unit.size();
+    *p++ = '\n';
+    return p;
 }
 
 const DayOptions& CurrentDayOptions() {
@@ -59,17 +62,25 @@ const DayOptions& CurrentDayOptions() {
     bool same = !list.text.empty();
     for (int i = 0; i < 4 && same; ++i) same = list.units[i] == *units[i];
     if (same) return list;
-    for (int i = 0; i < 4; ++i) list.units[i] = *units[i];
-    list.text.clear();
-    list.text.reserve(365 * 24 + 365 * tagDays.size());
-    for (long n = 1; n <= 365; ++n) {
-        if (n % 7 != 0) {
-            AppendDayOption(list, n, n, n == 1 ? tagDay : tagDays);
-        } else {
-            long weeks = n / 7;
-            AppendDayOption(list, n, weeks, weeks == 1 ? tagWeek : tagWeeks);
-        }
+    size_t longest = 0;
+    for (int i = 0; i < 4; ++i) {
+        list.units[i] = *units[i];
+        longest = std::max(longest, units[i]->size());
     }
+    // An option is at most 26 bytes besides its unit.
+    list.text.assign(365 * (26 + longest), '\0');
+    char* begin = &list.text[0];
+    char* p = begin;
+    for (long n = 1; n <= 365; ++n) {
+        bool week = n % 7 == 0;
+        long count = week ? n / 7 : n;
+        const std::string& unit =
+            week ? (count == 1 ? tagWeek : tagWeeks) : (count == 1 ? tagDay : tagDays);
+        char* valueEnd = nullptr;
+        p = WriteDayOption(p, n, count, unit, &valueEnd);
+        list.valueEnd[n] = static_cast<size_t>(valueEnd - begin);
+    }
+    list.text.resize(static_cast<size_t>(p - begin));
     return list;
 }
 
