@@ -1,9 +1,9 @@
 #include "fields/edit_simple.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstring>
 #include <cstdlib>
+#include <memory>
 #include <string>
 
 #include "fields/field_util.h"
@@ -35,20 +35,29 @@ const char* Selected(bool on) {
 // change.
 struct DayOptions {
     std::string units[4];  // tagDay, tagDays, tagWeek, tagWeeks as made
-    std::string text;
+    std::unique_ptr<char[]> text;
+    size_t size = 0;
     size_t valueEnd[366] = {};  // per day count: the offset after its VALUE
 };
+
+// Writes `n` (1 to 999) in decimal at `p` and returns the end.
+char* WriteSmallNumber(char* p, long n) {
+    if (n >= 100) *p++ = static_cast<char>('0' + n / 100);
+    if (n >= 10) *p++ = static_cast<char>('0' + n / 10 % 10);
+    *p++ = static_cast<char>('0' + n % 10);
+    return p;
+}
 
 // Writes the option of `days` at `p`, with room for it, and returns its
 // end; `valueEnd` receives the end of its VALUE.
 char* WriteDayOption(char* p, long days, long count, const std::string& unit, char** valueEnd) {
     static const char kHead[] = "<OPTION VALUE=\"";
     std::memcpy(p, kHead, sizeof kHead - 1);
-    p = std::to_chars(p + sizeof kHead - 1, p + 32, days).ptr;
+    p = WriteSmallNumber(p + sizeof kHead - 1, days);
     *p++ = '"';
     *valueEnd = p;
     *p++ = '>';
-    p = std::to_chars(p, p + 8, count).ptr;
+    p = WriteSmallNumber(p, count);
     *p++ = ' ';
     std::memcpy(p, unit.data(), unit.size());
     p += unit.size();
@@ -59,7 +68,7 @@ char* WriteDayOption(char* p, long days, long count, const std::string& unit, ch
 const DayOptions& CurrentDayOptions() {
     static DayOptions list;
     const std::string* units[4] = {&tagDay, &tagDays, &tagWeek, &tagWeeks};
-    bool same = !list.text.empty();
+    bool same = list.text != nullptr;
     for (int i = 0; i < 4 && same; ++i) same = list.units[i] == *units[i];
     if (same) return list;
     size_t longest = 0;
@@ -68,8 +77,8 @@ const DayOptions& CurrentDayOptions() {
         longest = std::max(longest, units[i]->size());
     }
     // An option is at most 26 bytes besides its unit.
-    list.text.assign(365 * (26 + longest), '\0');
-    char* begin = &list.text[0];
+    list.text.reset(new char[365 * (26 + longest)]);
+    char* begin = list.text.get();
     char* p = begin;
     for (long n = 1; n <= 365; ++n) {
         bool week = n % 7 == 0;
@@ -80,21 +89,22 @@ const DayOptions& CurrentDayOptions() {
         p = WriteDayOption(p, n, count, unit, &valueEnd);
         list.valueEnd[n] = static_cast<size_t>(valueEnd - begin);
     }
-    list.text.resize(static_cast<size_t>(p - begin));
+    list.size = static_cast<size_t>(p - begin);
     return list;
 }
 
 // The day options with `days` selected when it is one of them.
 void WriteDayOptions(long days) {
     const DayOptions& list = CurrentDayOptions();
+    const char* text = list.text.get();
     if (days < 1 || days > 365) {
-        prtFormatter.write(list.text.data(), list.text.size());
+        prtFormatter.write(text, list.size);
         return;
     }
     size_t at = list.valueEnd[days];
-    prtFormatter.write(list.text.data(), at);
+    prtFormatter.write(text, at);
     Put(Selected(true));
-    prtFormatter.write(list.text.data() + at, list.text.size() - at);
+    prtFormatter.write(text + at, list.size - at);
 }
 
 const char kDaysMove[] =

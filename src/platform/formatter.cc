@@ -53,6 +53,42 @@ class StdoutChunk {
 
 StdoutChunk stdoutChunk;
 
+// Collects the small pieces of one formatted text on the stack and adds them
+// to the text in a few appends; a piece by piece append cost more than the
+// copy. Whatever is collected is added when the sink is destroyed.
+class TextSink {
+  public:
+    explicit TextSink(std::string& text) : text_(text) {}
+    ~TextSink() { Flush(); }
+    TextSink(const TextSink&) = delete;
+    TextSink& operator=(const TextSink&) = delete;
+
+    void append(const char* data, size_t n) {
+        if (n <= sizeof buffer_ - used_) {
+            std::memcpy(buffer_ + used_, data, n);
+            used_ += n;
+            return;
+        }
+        Flush();
+        text_.append(data, n);
+    }
+
+    void push_back(char c) {
+        if (used_ == sizeof buffer_) Flush();
+        buffer_[used_++] = c;
+    }
+
+  private:
+    void Flush() {
+        text_.append(buffer_, used_);
+        used_ = 0;
+    }
+
+    std::string& text_;
+    char buffer_[512];
+    size_t used_ = 0;
+};
+
 // Appends snprintf(spec, value) to `out`, whatever its length.
 template <class Out, class T>
 void AppendPrintf(Out& out, const std::string& spec, T value) {
@@ -262,7 +298,8 @@ void Format(Out& out, const char* format, const CpaArgList& args) {
 }  // namespace
 
 void FormatArgs(std::string& out, const char* format, const CpaArgList& args) {
-    Format(out, format, args);
+    TextSink sink(out);
+    Format(sink, format, args);
 }
 
 void FlushFormattedOutput() {
@@ -276,7 +313,7 @@ int CKvFormatter::fprint(FILE* stream, int /*flag*/, const char* format) {
         return static_cast<int>(stdoutChunk.total() - before);
     }
     scratch_.clear();
-    Format(scratch_, format, args_);
+    FormatArgs(scratch_, format, args_);
     return static_cast<int>(std::fwrite(scratch_.data(), 1, scratch_.size(), stream));
 }
 
