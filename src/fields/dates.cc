@@ -23,8 +23,8 @@ bool ScanStamp(const char* stamp, int fields[6]) {
         int value = 0;
         for (int k = 0; k < kWidths[i]; ++k, ++p) {
             if (*p < '0' || *p > '9') {
-                return std::sscanf(stamp, "%4d%2d%2d%2d%2d%2d", &fields[0], &fields[1],
-                                   &fields[2], &fields[3], &fields[4], &fields[5]) == 6;
+                return std::sscanf(stamp, "%4d%2d%2d%2d%2d%2d", &fields[0], &fields[1], &fields[2],
+                                   &fields[3], &fields[4], &fields[5]) == 6;
             }
             value = value * 10 + (*p - '0');
         }

@@ -1,8 +1,8 @@
 #include "fields/edit_simple.h"
 
 #include <algorithm>
-#include <cstring>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <string>
 

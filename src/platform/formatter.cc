@@ -15,20 +15,20 @@ class StdoutChunk {
   public:
     ~StdoutChunk() { Flush(); }
 
+    // Fills the chunk before it leaves, so that a page goes out in as few
+    // writes as the chunk allows.
     void append(const char* data, size_t n) {
         total_ += n;
-        if (n <= sizeof buffer_ - used_) {
-            std::memcpy(buffer_ + used_, data, n);
-            used_ += n;
-            return;
+        while (n > sizeof buffer_ - used_) {
+            size_t room = sizeof buffer_ - used_;
+            std::memcpy(buffer_ + used_, data, room);
+            used_ += room;
+            data += room;
+            n -= room;
+            Flush();
         }
-        Flush();
-        if (n >= sizeof buffer_) {
-            std::fwrite(data, 1, n, stdout);
-            return;
-        }
-        std::memcpy(buffer_, data, n);
-        used_ = n;
+        std::memcpy(buffer_ + used_, data, n);
+        used_ += n;
     }
 
     void push_back(char c) {
