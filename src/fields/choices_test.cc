@@ -183,4 +183,15 @@ TEST_F(ChoicesTest, DaysOverrideSelectsOneOption) {
     }
 }
 
+// The options are made once and kept; other units (another language) must
+// show in the next list.
+TEST_F(ChoicesTest, DaysOverrideFollowsTheUnits) {
+    std::string before = CaptureStdout([] { inDaysOverride("D", "14", 0, true, true); });
+    tagWeeks = "Wochen";
+    std::string after = CaptureStdout([] { inDaysOverride("D", "14", 0, true, true); });
+    EXPECT_EQ(SelectedLines(before), Lines{"<OPTION VALUE=\"14\" SELECTED>2 Weeks"});
+    EXPECT_EQ(SelectedLines(after), Lines{"<OPTION VALUE=\"14\" SELECTED>2 Wochen"});
+    EXPECT_NE(after.find("<OPTION VALUE=\"21\">3 Wochen\n"), std::string::npos);
+}
+
 }  // namespace

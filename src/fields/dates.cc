@@ -13,6 +13,26 @@ using fields::SkipBlanks;
 
 namespace {
 
+// The six fields of `stamp` as "%4d%2d%2d%2d%2d%2d" reads them. Stamps are
+// fourteen digits and are read here directly; any other text goes through
+// sscanf, whose reading (blanks, signs, short fields) stays exactly as it was.
+bool ScanStamp(const char* stamp, int fields[6]) {
+    static const int kWidths[6] = {4, 2, 2, 2, 2, 2};
+    const char* p = stamp;
+    for (int i = 0; i < 6; ++i) {
+        int value = 0;
+        for (int k = 0; k < kWidths[i]; ++k, ++p) {
+            if (*p < '0' || *p > '9') {
+                return std::sscanf(stamp, "%4d%2d%2d%2d%2d%2d", &fields[0], &fields[1], &fields[2],
+                                   &fields[3], &fields[4], &fields[5]) == 6;
+            }
+            value = value * 10 + (*p - '0');
+        }
+        fields[i] = value;
+    }
+    return true;
+}
+
 // The text after a value's stamp and the blanks that follow it.
 const char* AfterStamp(const char* value) {
     return SkipBlanks(value + kStampLength);
@@ -31,17 +51,14 @@ time_t ConvertDate(const char* stamp) {
     if (stamp == nullptr || std::strlen(stamp) < kStampLength || stamp[14] != 'Z') return 0;
     struct tm local = {};
     local.tm_isdst = -1;
-    int year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
-    if (std::sscanf(stamp, "%4d%2d%2d%2d%2d%2dZ", &year, &month, &day, &hour, &minute, &second) !=
-        6) {
-        return 0;
-    }
-    local.tm_year = year - 1900;
-    local.tm_mon = month - 1;
-    local.tm_mday = day;
-    local.tm_hour = hour;
-    local.tm_min = minute;
-    local.tm_sec = second;
+    int f[6] = {};
+    if (!ScanStamp(stamp, f)) return 0;
+    local.tm_year = f[0] - 1900;
+    local.tm_mon = f[1] - 1;
+    local.tm_mday = f[2];
+    local.tm_hour = f[3];
+    local.tm_min = f[4];
+    local.tm_sec = f[5];
     time_t t = mktime(&local);
     if (t == 0 || t == -1) return 0;
     struct tm utc;

@@ -1,7 +1,9 @@
 #include "fields/edit_simple.h"
 
-#include <charconv>
+#include <algorithm>
 #include <cstdlib>
+#include <cstring>
+#include <memory>
 #include <string>
 
 #include "fields/field_util.h"
@@ -26,26 +28,83 @@ const char* Selected(bool on) {
     return on ? " SELECTED" : "";
 }
 
-void AppendNumber(std::string& out, long n) {
-    char digits[24];
-    auto r = std::to_chars(digits, digits + sizeof digits, n);
-    out.append(digits, static_cast<size_t>(r.ptr - digits));
+// The options 1 to 365 of a day list, days and whole weeks interleaved, as
+// "<OPTION VALUE=\"%ld\"%s>%ld %s\n" writes them, with none selected. A page
+// has two such lists in the same units, and making the text was most of the
+// page's cost, so it is made once per process and again only when the units
+// change.
+struct DayOptions {
+    std::string units[4];  // tagDay, tagDays, tagWeek, tagWeeks as made
+    std::unique_ptr<char[]> text;
+    size_t size = 0;
+    size_t valueEnd[366] = {};  // per day count: the offset after its VALUE
+};
+
+// Writes `n` (1 to 999) in decimal at `p` and returns the end.
+char* WriteSmallNumber(char* p, long n) {
+    if (n >= 100) *p++ = static_cast<char>('0' + n / 100);
+    if (n >= 10) *p++ = static_cast<char>('0' + n / 10 % 10);
+    *p++ = static_cast<char>('0' + n % 10);
+    return p;
 }
 
-// Appends one option of a day list, as "<OPTION VALUE=\"%ld\"%s>%ld %s\n"
-// would write it. The two day lists of a page hold 730 options between them,
-// and formatting each through printf was a fifth of the page's cost.
-void AppendDayOption(std::string& out, long days, bool selected, long count,
-                     const std::string& unit) {
-    out += "<OPTION VALUE=\"";
-    AppendNumber(out, days);
-    out += '"';
-    out += Selected(selected);
-    out += '>';
-    AppendNumber(out, count);
-    out += ' ';
-    out += unit;
-    out += '\n';
+// Writes the option of `days` at `p`, with room for it, and returns its
+// end; `valueEnd` receives the end of its VALUE.
+char* WriteDayOption(char* p, long days, long count, const std::string& unit, char** valueEnd) {
+    static const char kHead[] = "<OPTION VALUE=\"";
+    std::memcpy(p, kHead, sizeof kHead - 1);
+    p = WriteSmallNumber(p + sizeof kHead - 1, days);
+    *p++ = '"';
+    *valueEnd = p;
+    *p++ = '>';
+    p = WriteSmallNumber(p, count);
+    *p++ = ' ';
+    std::memcpy(p, unit.data(), unit.size());
+    p += unit.size();
+    *p++ = '\n';
+    return p;
+}
+
+const DayOptions& CurrentDayOptions() {
+    static DayOptions list;
+    const std::string* units[4] = {&tagDay, &tagDays, &tagWeek, &tagWeeks};
+    bool same = list.text != nullptr;
+    for (int i = 0; i < 4 && same; ++i) same = list.units[i] == *units[i];
+    if (same) return list;
+    size_t longest = 0;
+    for (int i = 0; i < 4; ++i) {
+        list.units[i] = *units[i];
+        longest = std::max(longest, units[i]->size());
+    }
+    // An option is at most 26 bytes besides its unit.
+    list.text.reset(new char[365 * (26 + longest)]);
+    char* begin = list.text.get();
+    char* p = begin;
+    for (long n = 1; n <= 365; ++n) {
+        bool week = n % 7 == 0;
+        long count = week ? n / 7 : n;
+        const std::string& unit =
+            week ? (count == 1 ? tagWeek : tagWeeks) : (count == 1 ? tagDay : tagDays);
+        char* valueEnd = nullptr;
+        p = WriteDayOption(p, n, count, unit, &valueEnd);
+        list.valueEnd[n] = static_cast<size_t>(valueEnd - begin);
+    }
+    list.size = static_cast<size_t>(p - begin);
+    return list;
+}
+
+// The day options with `days` selected when it is one of them.
+void WriteDayOptions(long days) {
+    const DayOptions& list = CurrentDayOptions();
+    const char* text = list.text.get();
+    if (days < 1 || days > 365) {
+        prtFormatter.write(text, list.size);
+        return;
+    }
+    size_t at = list.valueEnd[days];
+    prtFormatter.write(text, at);
+    Put(Selected(true));
+    prtFormatter.write(text + at, list.size - at);
 }
 
 const char kDaysMove[] =
@@ -130,18 +189,8 @@ Finisher inDaysOverride(const char* name, const char* value, int, bool, bool) {
     prtFormatter.printf("<OPTION VALUE=\"0\"%s>%s\n", Selected(!word.empty() && days == 0),
                         tagNever);
     // Days and whole weeks interleaved; every VALUE is a number of days.
-    std::string options;
-    options.reserve(365 * 40);
-    for (long n = 1; n <= 365; ++n) {
-        if (n % 7 != 0) {
-            AppendDayOption(options, n, n == days, n, n == 1 ? tagDay : tagDays);
-        } else {
-            long weeks = n / 7;
-            AppendDayOption(options, n, n == days, weeks, weeks == 1 ? tagWeek : tagWeeks);
-        }
-    }
-    options += "</SELECT>\n";
-    Put(options.c_str());
+    WriteDayOptions(days);
+    Put("</SELECT>\n");
     prtFormatter.printf("<span class=\"INNERPROMPT\">&nbsp;&nbsp;%s&nbsp;</span>", tagComment);
     prtFormatter.printf(
         "<INPUT TYPE=\"TEXT\" NAME=\"%s_COMMENT\" VALUE=\"%s\" SIZE=\"20\" MAXLENGTH=\"20\">\n",

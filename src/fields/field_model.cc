@@ -4,6 +4,8 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <cstring>
+#include <vector>
 
 #include "fields/display.h"
 #include "fields/edit_date.h"
@@ -48,8 +50,18 @@ const FUNCS Funcs[] = {
 
 const FUNCS* FindFuncs(const char* name) {
     if (name == nullptr) return nullptr;
-    for (const FUNCS* row = Funcs; row->name != nullptr; ++row) {
-        if (strcasecmp(row->name, name) == 0) return row;
+    // Every attribute row looks its name up here; comparing lengths first
+    // leaves one or two rows to compare as text.
+    static const std::vector<size_t> lengths = [] {
+        std::vector<size_t> all;
+        for (const FUNCS* row = Funcs; row->name != nullptr; ++row) {
+            all.push_back(std::strlen(row->name));
+        }
+        return all;
+    }();
+    size_t length = std::strlen(name);
+    for (size_t i = 0; Funcs[i].name != nullptr; ++i) {
+        if (lengths[i] == length && strcasecmp(Funcs[i].name, name) == 0) return &Funcs[i];
     }
     return nullptr;
 }

@@ -27,11 +27,13 @@ const char* Trimmed(const char* p) {
 }
 
 void WriteLocalDate(const std::string& date) {
-    Put("<SCRIPT LANGUAGE=\"JavaScript\">\n");
-    Put("<!--\n");
-    prtFormatter.printf("    document.write(LocalDate('%s'));\n", date);
-    Put("//-->\n");
-    Put("</SCRIPT>\n");
+    prtFormatter.printf(R"(<SCRIPT LANGUAGE="JavaScript">
+<!--
+    document.write(LocalDate('%s'));
+//-->
+</SCRIPT>
+)",
+                        date);
     if (!tagLocal.empty()) prtFormatter.printf("<span class=\"LOCALLABEL\">%s</span>", tagLocal);
 }
 

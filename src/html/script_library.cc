@@ -186,11 +186,17 @@ void DocHead() {
     if (StyleSheetFileExists()) {
         prtFormatter.printf("    W.document.writeln('%s');\n", kStyleSheetLink);
     } else {
+        // Each line as "    W.document.writeln('%s');\n" writes it, without
+        // a copy of the line.
+        static const char kOpen[] = "    W.document.writeln('";
+        static const char kClose[] = "');\n";
         const char* line = DefaultStyles;
         while (*line) {
             const char* end = std::strchr(line, '\n');
             size_t length = end ? static_cast<size_t>(end - line) : std::strlen(line);
-            prtFormatter.printf("    W.document.writeln('%s');\n", std::string(line, length));
+            prtFormatter.write(kOpen, sizeof kOpen - 1);
+            prtFormatter.write(line, length);
+            prtFormatter.write(kClose, sizeof kClose - 1);
             line += end ? length + 1 : length;
         }
     }

@@ -48,13 +48,12 @@ const char* IcuBundle::Lookup(const char* key) {
         int32_t length = 0;
         const UChar* u = ures_getStringByKey(bundle_, CatalogueKey(key).c_str(), &length, &status);
         if (U_SUCCESS(status) && u != nullptr) {
+            // One pass: a UTF-16 unit never takes more than three bytes.
             int32_t bytes = 0;
-            UErrorCode measure = U_ZERO_ERROR;
-            u_strToUTF8(nullptr, 0, &bytes, u, length, &measure);
-            text.utf8.resize(static_cast<size_t>(bytes));
-            status = U_ZERO_ERROR;
-            u_strToUTF8(&text.utf8[0], bytes, &bytes, u, length, &status);
+            text.utf8.resize(static_cast<size_t>(length) * 3);
+            u_strToUTF8(&text.utf8[0], length * 3, &bytes, u, length, &status);
             text.found = U_SUCCESS(status);  // includes "no room for the terminator"
+            text.utf8.resize(text.found ? static_cast<size_t>(bytes) : 0);
         }
     }
     return text.found ? text.utf8.c_str() : nullptr;

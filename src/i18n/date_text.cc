@@ -34,11 +34,44 @@ std::string DayName(int day, bool english) {
     return Name(kDayKeys, kDays, Wrap(day, 7), english);
 }
 
+namespace {
+
+// Appends `value` as "%0<width>ld" writes it.
+void AppendNumber(std::string& out, long value, int width) {
+    char digits[24];
+    char* end = digits + sizeof digits;
+    char* p = end;
+    unsigned long magnitude = value < 0 ? 0UL - static_cast<unsigned long>(value) : value;
+    do {
+        *--p = static_cast<char>('0' + magnitude % 10);
+        magnitude /= 10;
+    } while (magnitude != 0);
+    int length = static_cast<int>(end - p) + (value < 0 ? 1 : 0);
+    if (value < 0) out += '-';
+    if (length < width) out.append(static_cast<size_t>(width - length), '0');
+    out.append(p, end);
+}
+
+}  // namespace
+
 std::string DateText(const struct tm& utc, bool english) {
-    // A formatter of its own, so that a caller's prtFormatter text survives.
-    CKvFormatter format;
-    return format.sprintf("%s, %ld %s %ld %02ld:%02ld:%02ld GMT", DayName(utc.tm_wday, english),
-                          static_cast<long>(utc.tm_mday), MonthName(utc.tm_mon, english),
-                          static_cast<long>(utc.tm_year) + 1900L, static_cast<long>(utc.tm_hour),
-                          static_cast<long>(utc.tm_min), static_cast<long>(utc.tm_sec));
+    // Put together as "%s, %ld %s %ld %02ld:%02ld:%02ld GMT" formats it, but
+    // directly: a page has a date on every history line.
+    std::string text = DayName(utc.tm_wday, english);
+    std::string month = MonthName(utc.tm_mon, english);
+    text.reserve(text.size() + month.size() + 32);
+    text += ", ";
+    AppendNumber(text, utc.tm_mday, 0);
+    text += ' ';
+    text += month;
+    text += ' ';
+    AppendNumber(text, static_cast<long>(utc.tm_year) + 1900L, 0);
+    text += ' ';
+    AppendNumber(text, utc.tm_hour, 2);
+    text += ':';
+    AppendNumber(text, utc.tm_min, 2);
+    text += ':';
+    AppendNumber(text, utc.tm_sec, 2);
+    text += " GMT";
+    return text;
 }

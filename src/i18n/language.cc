@@ -1,5 +1,6 @@
 #include "i18n/language.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "i18n/bundle.h"
@@ -75,18 +76,28 @@ int CLanguage::TranslateArgs(char* buffer, int size, const char* key, const char
 
 int CLanguage::InternalFormat(char* buffer, int size, const char* key, const char* text) {
     if (buffer == nullptr || size <= 0) return 0;
-    std::string out;
-    if (withId_ && !IsURL(text)) {
-        out += "[";
-        out += key ? key : "";
-        out += "] ";
-    }
     bool ok = text != nullptr;
-    if (ok) out += text;
-    size_t n =
-        out.size() < static_cast<size_t>(size - 1) ? out.size() : static_cast<size_t>(size - 1);
-    std::memcpy(buffer, out.data(), n);
-    buffer[n] = '\0';
+    bool prefix = withId_ && !IsURL(text);
+    auto inside = [&](const char* p) { return p != nullptr && p >= buffer && p < buffer + size; };
+    // A text or key inside the buffer itself is copied out before the
+    // buffer is written.
+    std::string keyCopy, textCopy;
+    if (prefix && inside(key)) key = (keyCopy = key).c_str();
+    if (inside(text)) text = (textCopy = text).c_str();
+    size_t room = static_cast<size_t>(size - 1);
+    size_t used = 0;
+    auto put = [&](const char* part) {
+        size_t n = std::min(std::strlen(part), room - used);
+        std::memcpy(buffer + used, part, n);
+        used += n;
+    };
+    if (prefix) {
+        put("[");
+        put(key ? key : "");
+        put("] ");
+    }
+    if (ok) put(text);
+    buffer[used] = '\0';
     return ok ? 1 : 0;
 }
 

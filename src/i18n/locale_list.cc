@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstring>
 
 namespace {
 
@@ -176,8 +177,14 @@ bool IsKeyByte(unsigned char c) {
 
 std::string CatalogueKey(const char* key) {
     static const char kHex[] = "0123456789ABCDEF";
-    std::string out;
-    for (const char* p = key ? key : ""; *p; ++p) {
+    const char* p = key ? key : "";
+    // Most keys ("KV-LXR-12047") are all key bytes and are taken whole.
+    const char* plain = p;
+    while (*plain && IsKeyByte(static_cast<unsigned char>(*plain))) ++plain;
+    std::string out(p, plain);
+    if (*plain == '\0') return out;
+    out.reserve(out.size() + 3 * std::strlen(plain));
+    for (p = plain; *p; ++p) {
         unsigned char c = static_cast<unsigned char>(*p);
         if (IsKeyByte(c)) {
             out += *p;

@@ -27,7 +27,8 @@ bool ReadValue(const char*& cursor, AttrSlot& slot) {
     if (slot.kind == AttrSlot::kText || slot.kind == AttrSlot::kFlag) {
         const char* close = std::strchr(cursor, '"');
         if (close == nullptr) close = cursor + std::strlen(cursor);
-        if (slot.kind == AttrSlot::kText) slot.text->append(cursor, close);
+        if (slot.kind == AttrSlot::kText)
+            slot.text->append(cursor, static_cast<size_t>(close - cursor));
         if (slot.kind == AttrSlot::kFlag) *slot.flag = true;
         cursor = close;
     } else if (!ReadWord(cursor, slot)) {

@@ -8,15 +8,18 @@
 #include <string>
 
 // True when the text at `cursor` starts with `literal`; the cursor stays.
+// The first byte is compared before the library is asked: most tries of a
+// reader's literals fail there.
 inline bool LookingAt(const char* cursor, const char* literal) {
+    if (*literal != '\0' && *cursor != *literal) return false;
     return std::strncmp(cursor, literal, std::strlen(literal)) == 0;
 }
 
 // Steps over `literal` when the text at `cursor` starts with it; otherwise
 // false with the cursor unmoved.
 inline bool Consume(const char*& cursor, const char* literal) {
+    if (!LookingAt(cursor, literal)) return false;
     size_t n = std::strlen(literal);
-    if (std::strncmp(cursor, literal, n) != 0) return false;
     cursor += n;
     return true;
 }

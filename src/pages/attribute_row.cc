@@ -129,8 +129,9 @@ void WriteAttributeRow(const AttributeElement& attribute, const RowHandlers& han
     char label[kLabelSize];
     MakeLabel(label, sizeof label, attribute.prompt, attribute.name);
 
-    prtFormatter.printf("<tr>\n");
-    prtFormatter.printf("%s", "<td width=\"1%\" valign=\"top\">\n");
+    prtFormatter.printf(R"(<tr>
+<td width="1%%" valign="top">
+)");
     WritePicture(attribute);
     prtFormatter.printf("</td>\n");
     WriteLabelCell(label);
@@ -159,9 +160,9 @@ void WriteAttributeRow(const AttributeElement& attribute, const RowHandlers& han
 
     if (handlers.detail) CloseDetailScript(name);
     if (finisher != nullptr) finisher(name, count);
-    prtFormatter.printf("</span></nobr>");
-    prtFormatter.printf("</td>\n");
-    prtFormatter.printf("</tr>\n");
+    prtFormatter.printf(R"(</span></nobr></td>
+</tr>
+)");
 }
 
 bool ProcessAttribute(const char*& cursor) {

@@ -17,10 +17,12 @@ void WriteDialogOpen(const char* title, const char* innerClass) {
 
 void WriteLabelCell(const char* label) {
     if (label[0] != '\0') {
-        prtFormatter.printf("<td width=\"1\" valign=\"top\">\n");
-        prtFormatter.printf("<span class=\"PROMPT\">%s</span>\n", OutText(label));
-        prtFormatter.printf("</td>\n");
-        prtFormatter.printf("<td valign=\"top\">\n");
+        prtFormatter.printf(R"(<td width="1" valign="top">
+<span class="PROMPT">%s</span>
+</td>
+<td valign="top">
+)",
+                            OutText(label));
     } else {
         prtFormatter.printf("<td colspan=\"2\" valign=\"top\">\n");
     }

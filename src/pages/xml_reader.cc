@@ -9,6 +9,13 @@ const char* LTrim(const char* text) {
     const auto* s = reinterpret_cast<const uint8_t*>(text);
     int32_t at = 0;
     while (s[at] != 0) {
+        // ASCII, nearly every byte of a document, is decided here: its
+        // white space is tab to carriage return and the blank.
+        if (s[at] < 0x80) {
+            if (s[at] != ' ' && (s[at] < '\t' || s[at] > '\r')) break;
+            ++at;
+            continue;
+        }
         int32_t next = at;
         UChar32 c;
         U8_NEXT(s, next, -1, c);

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "i18n/language.h"
+#include "platform/utf8.h"
 #include "support/translators.h"
 
 namespace {
@@ -37,6 +38,14 @@ TEST(LTrim, SkipsUnicodeBlanksAndLineEnds) {
     };
     for (const Case& c : cases) {
         EXPECT_STREQ(LTrim(c.text), c.rest) << "text: " << c.text;
+    }
+}
+
+// ASCII is decided without the Unicode tables; it must agree with them.
+TEST(LTrim, AsciiAgreesWithKvIsWhiteSpace) {
+    for (int c = 1; c < 0x80; ++c) {
+        const char text[] = {static_cast<char>(c), 'x', '\0'};
+        EXPECT_EQ(LTrim(text), KvIsWhiteSpace(c) ? text + 1 : text) << "byte " << c;
     }
 }
 

@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+#include "platform/formatter.h"
+
 int KvGetStringInputFromConsole(int size, char* buffer, int /*flag*/) {
     if (buffer == nullptr || size <= 0) return 0;
     size_t want = static_cast<size_t>(size - 1);
@@ -16,6 +18,8 @@ int KvGetStringInputFromConsole(int size, char* buffer, int /*flag*/) {
 }
 
 static void PrintTo(FILE* stream, const char* text, int flag) {
+    // After what the formatter has gathered, which may not have left yet.
+    if (stream == stdout) FlushFormattedOutput();
     if (text) std::fputs(text, stream);
     if (flag == 1) std::fputc('\n', stream);
     std::fflush(stream);

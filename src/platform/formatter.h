@@ -14,28 +14,44 @@ struct CpaArg {
 };
 
 // The arguments of one formatting call, in order. Each call clears and
-// refills it, so a list is only valid until the next call on its owner.
+// refills it, so a list is only valid until the next call on its owner. The
+// first kInline arguments are held in the list itself: a page makes
+// thousands of calls, most with a few arguments, and formatters made for one
+// call (DateText) then allocate nothing.
 class CpaArgList {
   public:
-    void clear() { args_.clear(); }
-    void add(int v) { args_.push_back(CpaArg{false, v, nullptr}); }
-    void add(long v) { args_.push_back(CpaArg{false, v, nullptr}); }
-    void add(long long v) { args_.push_back(CpaArg{false, v, nullptr}); }
-    void add(unsigned v) { args_.push_back(CpaArg{false, v, nullptr}); }
-    void add(unsigned long v) {
-        args_.push_back(CpaArg{false, static_cast<long long>(v), nullptr});
+    void clear() {
+        count_ = 0;
+        more_.clear();
     }
-    void add(unsigned long long v) {
-        args_.push_back(CpaArg{false, static_cast<long long>(v), nullptr});
+    void add(int v) { push(CpaArg{false, v, nullptr}); }
+    void add(long v) { push(CpaArg{false, v, nullptr}); }
+    void add(long long v) { push(CpaArg{false, v, nullptr}); }
+    void add(unsigned v) { push(CpaArg{false, v, nullptr}); }
+    void add(unsigned long v) { push(CpaArg{false, static_cast<long long>(v), nullptr}); }
+    void add(unsigned long long v) { push(CpaArg{false, static_cast<long long>(v), nullptr}); }
+    void add(char v) { push(CpaArg{false, static_cast<unsigned char>(v), nullptr}); }
+    void add(const char* v) { push(CpaArg{true, 0, v}); }
+    void add(const std::string& v) { push(CpaArg{true, 0, v.c_str()}); }
+    size_t size() const { return count_ + more_.size(); }
+    const CpaArg& operator[](size_t i) const {
+        return i < kInline ? inline_[i] : more_[i - kInline];
     }
-    void add(char v) { args_.push_back(CpaArg{false, static_cast<unsigned char>(v), nullptr}); }
-    void add(const char* v) { args_.push_back(CpaArg{true, 0, v}); }
-    void add(const std::string& v) { args_.push_back(CpaArg{true, 0, v.c_str()}); }
-    size_t size() const { return args_.size(); }
-    const CpaArg& operator[](size_t i) const { return args_[i]; }
 
   private:
-    std::vector<CpaArg> args_;
+    static constexpr size_t kInline = 16;
+
+    void push(const CpaArg& arg) {
+        if (count_ < kInline) {
+            inline_[count_++] = arg;
+        } else {
+            more_.push_back(arg);
+        }
+    }
+
+    CpaArg inline_[kInline];
+    size_t count_ = 0;
+    std::vector<CpaArg> more_;  // the arguments after the first kInline
 };
 
 // Formats `format` with `args` and appends the result to `out`.
@@ -49,6 +65,14 @@ class CpaArgList {
 // text is written as "(null)". An unknown conversion is copied as it stands.
 void FormatArgs(std::string& out, const char* format, const CpaArgList& args);
 
+// Hands what printf has formatted so far on to the stdio stream stdout.
+// printf gathers the bytes of a page in a buffer of its own and passes them
+// on a large piece at a time, so whatever writes to standard output in
+// another way (the console functions, a test that captures the output) calls
+// this first to keep the bytes in order. Runs by itself at exit, before
+// stdio flushes its streams, so nothing formatted is lost.
+void FlushFormattedOutput();
+
 class CKvFormatter {
   public:
     // Formats to standard output. Returns the number of bytes written.
@@ -58,6 +82,11 @@ class CKvFormatter {
         (args_.add(a), ...);
         return fprint(stdout, 1, format);
     }
+
+    // Writes `size` bytes of `data` to standard output as they stand, a "%"
+    // included, as printf("%s") would write them; for a text already made.
+    // Returns `size`.
+    int write(const char* data, size_t size);
 
     // Formats into the formatter's own text, read back with c_str(); valid
     // until the next sprintf.
@@ -72,8 +101,10 @@ class CKvFormatter {
 
     const char* c_str() const { return text_.c_str(); }
 
-    // Formats the current argument list to `stream`. The flag is accepted for
-    // the callers' sake and has no effect.
+    // Formats the current argument list to `stream` and returns the number of
+    // bytes formatted. Standard output goes through the buffer that
+    // FlushFormattedOutput empties; any other stream is written at once. The
+    // flag is accepted for the callers' sake and has no effect.
     int fprint(FILE* stream, int flag, const char* format);
 
   private:

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <iterator>
 #include <string>
 
@@ -72,6 +73,36 @@ TEST(FormatArgs, OddFormats) {
     EXPECT_EQ(Format("<%10s>", longText.c_str()), "<" + longText + ">");
 }
 
+// Zero-padded decimals are written without the C library; they must read
+// as snprintf writes them, signs and overlong numbers included.
+TEST(FormatArgs, ZeroPaddedDecimalsAsSnprintf) {
+    const char* formats[] = {"%02ld", "%04ld", "%03d", "%010ld", "%00d", "%ld"};
+    const long long values[] = {0, 7, 42, 123, -5, -123, 5000000000LL};
+    for (const char* format : formats) {
+        std::string spec(format);
+        spec.replace(spec.size() - (spec[spec.size() - 2] == 'l' ? 2 : 1), std::string::npos,
+                     "lld");
+        for (long long v : values) {
+            char want[64];
+            std::snprintf(want, sizeof want, spec.c_str(), v);
+            EXPECT_EQ(Format(format, v), want) << format << " " << v;
+        }
+    }
+}
+
+TEST(FormatArgs, ManyArguments) {
+    std::string format, want;
+    CpaArgList args;
+    for (int i = 0; i < 20; ++i) {  // past the ones a list holds inline
+        format += "%d,";
+        want += std::to_string(i) + ",";
+        args.add(i);
+    }
+    std::string got;
+    FormatArgs(got, format.c_str(), args);
+    EXPECT_EQ(got, want);
+}
+
 TEST(CKvFormatter, SprintfKeepsItsText) {
     CKvFormatter f;
     const char* text = f.sprintf("%s=%d", std::string("n"), 3);
@@ -85,9 +116,24 @@ TEST(CKvFormatter, PrintfWritesToStandardOutput) {
     CKvFormatter f;
     testing::internal::CaptureStdout();
     int n = f.printf("<h1>%s</h1>%ld\n", "T", 9L);
-    std::fflush(stdout);
+    FlushFormattedOutput();
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "<h1>T</h1>9\n");
     EXPECT_EQ(n, 12);
+}
+
+// Standard output leaves in chunks; texts longer than a chunk and raw
+// writes keep every byte in order.
+TEST(CKvFormatter, LongOutputKeepsItsBytes) {
+    std::string big;
+    for (int i = 0; big.size() < 100000; ++i) big += std::to_string(i) + "%\n";
+    CKvFormatter f;
+    testing::internal::CaptureStdout();
+    f.printf("<");
+    f.printf("%s", big);
+    f.write("50%", 3);
+    f.printf("%s|%d>", big, 7);
+    FlushFormattedOutput();
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "<" + big + "50%" + big + "|7>");
 }
 
 }  // namespace

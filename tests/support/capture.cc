@@ -5,15 +5,19 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "platform/formatter.h"
+
 namespace lxrtest {
 
 std::string CaptureStdout(const std::function<void()>& body) {
+    FlushFormattedOutput();
     std::fflush(stdout);
     FILE* sink = std::tmpfile();
     if (sink == nullptr) return "<capture failed: tmpfile>";
     int saved = ::dup(1);
     ::dup2(::fileno(sink), 1);
     body();
+    FlushFormattedOutput();
     std::fflush(stdout);
     ::dup2(saved, 1);
     ::close(saved);
