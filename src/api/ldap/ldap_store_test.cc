@@ -202,7 +202,7 @@ TEST_F(LdapApiTest, ReadsAnswerAsTheEmbeddedStoreDoes) {
         {"staff/ALICE", "enroller", "uid=enroller,ou=admins,o=example"},  // restricted groups
         {"staff/Carol Chen", "helpdesk", hdAgent},  // an administrator through a group
         {"staff/uid=ivan,ou=staff,o=example", "helpdesk", kLead},
-        {"/walter", "helpdesk", kLead},  // every directory of the role
+        {"/walter", "helpdesk", kLead},          // every directory of the role
         {"staff/Sam Smith", "helpdesk", kLead},  // two match
         {"staff/*", "helpdesk", kLead},          // no wildcard
         {"staff/a*)(uid=*", "helpdesk", kLead},  // no filter injection
