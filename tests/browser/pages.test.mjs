@@ -224,40 +224,17 @@ describe('display page', () => {
     assert.equal(posted.get(`GROUP-${VPN}`), '0');
   });
 
-  test('reset a password: a mismatch is refused, a match is written', async () => {
+  // What a password reset writes is the round trip's matter; here the
+  // page's own check of the confirmation.
+  test('a password reset with a mismatched confirmation is refused', async () => {
     const page = await openUser('alice');
     await page.fill('input[name="userPassword"]', 'Fresh-pass9');
     await page.fill('input[name="userPassword_CONFIRM"]', 'Fresh-pass8');
     assert.equal(await submitRefused(page), '[KV-LXR-15010] New and Confirm passwords do not match!');
     assert.equal(await page.evaluate(() => document.activeElement.name), 'userPassword_CONFIRM');
-    await page.fill('input[name="userPassword_CONFIRM"]', 'Fresh-pass9');
-    const old = demo.entry(dnOf('alice')).userPassword;
-    const before = demo.entries();
-    const posted = await submitAndCheckPassword(page, before);
-    assert.equal(posted.get('userPassword'), 'Fresh-pass9');
-    const now = demo.entry(dnOf('alice')).userPassword;
-    assert.equal(now.length, 1);
-    assert.notDeepEqual(now, old);
-    assert.ok(!now[0].includes('Fresh-pass9'), 'the password is stored hashed');
+    await page.close();
   });
 });
-
-// The password change also stamps the date of the change; everything else
-// stays as it was.
-async function submitAndCheckPassword(page, before) {
-  const { message, fields } = await submitPosted(page);
-  assert.equal(message, SUCCESS);
-  const got = changes(before, demo.entries());
-  assert.deepEqual(Object.keys(got), [dnOf('alice')]);
-  const changed = Object.keys(got[dnOf('alice')]).sort();
-  assert.ok(changed.includes('userPassword'), 'the password changed');
-  for (const attr of changed) {
-    assert.ok(['userPassword', 'kvlxrLastPasswordChange', 'kvlxrHistory'].includes(attr),
-      `unexpected change of ${attr}`);
-  }
-  await page.close();
-  return fields;
-}
 
 describe('the submit script refuses bad input', () => {
   const cases = [
@@ -265,6 +242,8 @@ describe('the submit script refuses bad input', () => {
       chooseDate(page, 'kvlxrDisableUntil', { day: '31', month: '3', year: '2045' }), 'kvlxrDisableUntil_DAY'],
     ['29 February of a common year', NOT_A_DATE, async (page) =>
       chooseDate(page, 'kvlxrDisableAfter', { day: '29', month: '1', year: '2027' }), 'kvlxrDisableAfter_DAY'],
+    ['31 June', NOT_A_DATE, async (page) =>
+      chooseDate(page, 'kvlxrMustLoginBy', { day: '31', month: '5', year: '2030' }), 'kvlxrMustLoginBy_DAY'],
     ['a comment without days', MUST_BE_BLANK, async (page) =>
       page.fill('input[name="kvlxrExpirePasswordDays_COMMENT"]', 'why'), 'kvlxrExpirePasswordDays_COMMENT'],
     ['a comment without the flag', MUST_BE_BLANK, async (page) =>
