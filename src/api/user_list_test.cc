@@ -241,38 +241,31 @@ TEST_P(UserListTest, BadRequestsAndRefusals) {
     std::string other = Continuation();
     const struct {
         std::string request;
-        const char* role;
-        size_t room;
-        int code;
+        int code = kBadRequest;
+        const char* role = "desk";
+        size_t room = 65535;
     } cases[] = {
-        {"", "desk", 65535, kBadRequest},
-        {R"(<ListRequest directory="people" list="locked">)", "desk", 65535, kBadRequest},
-        {R"(<ListRequest directory="people" list="locked"/> x)", "desk", 65535, kBadRequest},
-        {R"(<ListRequest directory="people" list="locked" list="idle"/>)", "desk", 65535,
-         kBadRequest},
-        {R"(<ListRequest directory="people" list="locked" colour="red"/>)", "desk", 65535,
-         kBadRequest},
-        {R"(<ListRequest directory="people" list="search" start="a&b"/>)", "desk", 65535,
-         kBadRequest},
-        {R"(<ListRequest directory="people" list="everyone"/>)", "desk", 65535, kBadRequest},
-        {R"(<ListRequest list="locked"/>)", "desk", 65535, kBadRequest},
-        {R"(<ListRequest directory="people" list="idle"/>)", "desk", 65535, kBadRequest},
-        {R"(<ListRequest directory="people" list="locked" days="3"/>)", "desk", 65535, kBadRequest},
-        {R"(<ListRequest directory="people" list="idle" days="0"/>)", "desk", 65535, kBadRequest},
-        {R"(<ListRequest directory="people" list="locked" start="a"/>)", "desk", 65535,
-         kBadRequest},
-        {R"(<ListRequest directory="people" list="locked" size="0"/>)", "desk", 65535, kBadRequest},
-        {R"(<ListRequest directory="people" list="locked" size="1001"/>)", "desk", 65535,
-         kBadRequest},
+        {""},
+        {R"(<ListRequest directory="people" list="locked">)"},
+        {R"(<ListRequest directory="people" list="locked"/> x)"},
+        {R"(<ListRequest directory="people" list="locked" list="idle"/>)"},
+        {R"(<ListRequest directory="people" list="locked" colour="red"/>)"},
+        {R"(<ListRequest directory="people" list="search" start="a&b"/>)"},
+        {R"(<ListRequest directory="people" list="everyone"/>)"},
+        {R"(<ListRequest list="locked"/>)"},
+        {R"(<ListRequest directory="people" list="idle"/>)"},
+        {R"(<ListRequest directory="people" list="locked" days="3"/>)"},
+        {R"(<ListRequest directory="people" list="idle" days="0"/>)"},
+        {R"(<ListRequest directory="people" list="locked" start="a"/>)"},
+        {R"(<ListRequest directory="people" list="locked" size="0"/>)"},
+        {R"(<ListRequest directory="people" list="locked" size="1001"/>)"},
         {R"(<ListRequest directory="people" list="search" start="bo" continuation=")" + other +
-             R"("/>)",
-         "desk", 65535, kBadRequest},
-        {R"(<ListRequest directory="people" list="search" start="lo" continuation="zz"/>)", "desk",
-         65535, kBadRequest},
-        {R"(<ListRequest directory="other" list="locked"/>)", "reader", 65535, kAccessDenied},
-        {R"(<ListRequest directory="nowhere" list="locked"/>)", "desk", 65535, kAccessDenied},
-        {R"(<ListRequest directory="people" list="locked"/>)", "boss", 65535, kAccessDenied},
-        {R"(<ListRequest directory="people" list="locked"/>)", "desk", 120, kBufferTooSmall},
+         R"("/>)"},
+        {R"(<ListRequest directory="people" list="search" start="lo" continuation="zz"/>)"},
+        {R"(<ListRequest directory="other" list="locked"/>)", kAccessDenied, "reader"},
+        {R"(<ListRequest directory="nowhere" list="locked"/>)", kAccessDenied},
+        {R"(<ListRequest directory="people" list="locked"/>)", kAccessDenied, "boss"},
+        {R"(<ListRequest directory="people" list="locked"/>)", kBufferTooSmall, "desk", 120},
     };
     for (const auto& c : cases) {
         Status s =

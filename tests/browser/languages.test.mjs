@@ -91,14 +91,10 @@ function catalogueTexts(page) {
 }
 
 describe('page language', () => {
-  test('Accept-Language picks the catalogue, region and script included', async () => {
-    const cases = [
-      ['de-DE,de;q=0.9', 'de'], ['fr-CA,fr;q=0.9,en;q=0.5', 'fr'], ['es-MX', 'es'], ['it', 'it'],
-      ['pt-BR,pt;q=0.9', 'pt'], ['sv,nl;q=0.5', 'nl'], ['ja-JP', 'ja'], ['zh-CN,zh;q=0.9', 'zh'],
-      ['zh-Hans-SG', 'zh'],
-      // Traditional Chinese has no catalogue and does not get the Simplified one.
-      ['zh-TW', 'en'], ['zh-TW,zh;q=0.8', 'zh'], ['en-US,fr;q=0.5', 'en'],
-    ];
+  test('Accept-Language picks the catalogue', async () => {
+    // The choice itself is the language unit tests' matter; here the
+    // browser's header reaches the program through the server.
+    const cases = [['de-DE,de;q=0.9', 'de'], ['sv,nl;q=0.5', 'nl'], ['zh-TW', 'en'], ['ja-JP', 'ja']];
     for (const [acceptLanguage, language] of cases) {
       const page = await openAs(acceptLanguage);
       assert.equal(await heading(page), HEADINGS[language], acceptLanguage);
@@ -109,8 +105,7 @@ describe('page language', () => {
   test('the KVLOCALE cookie wins over Accept-Language and switches the language', async () => {
     const set = (value) => context.addCookies([{ name: 'KVLOCALE', value, url: server.url }]);
     try {
-      for (const [cookie, language] of [[null, 'fr'], ['ja', 'ja'], ['zh-CN', 'zh'], ['en', 'en'],
-        ['pt-BR', 'pt']]) {
+      for (const [cookie, language] of [[null, 'fr'], ['ja', 'ja'], ['pt-BR', 'pt']]) {
         if (cookie === null) await context.clearCookies();
         else await set(cookie);
         const page = await openAs('fr-FR,fr;q=0.9');

@@ -27,20 +27,12 @@ const TITLES = {
 
 let demo;
 let helpdesk;
-let auditor;
 let context;
 
 before(async () => {
   demo = new DemoDirectory();
   const env = { LXRAPI_CONFIG: demo.env.LXRAPI_CONFIG, LXR_NOW: demo.env.LXR_NOW };
   helpdesk = startLighttpd({ agent: path.join(demo.dir, 'agent.conf'), env });
-  auditor = startLighttpd({
-    agent: {
-      userdn: 'uid=auditor,ou=admins,o=example', namespace: 'LDAP:', server: 'ldap.example.com',
-      identity: 'auditor',
-    },
-    env,
-  });
   context = await launchBrowser();
   context.setDefaultTimeout(15000);
   await context.clock.setFixedTime(new Date(Number(demo.env.LXR_NOW) * 1000));
@@ -49,17 +41,16 @@ before(async () => {
 after(async () => {
   await context?.close();
   helpdesk?.stop();
-  auditor?.stop();
 });
 
 beforeEach(() => demo.restore());
 
 // A new tab on one user's display page; page.posts collects every POST body.
-async function openUser(uid, { server = helpdesk, dir = 'staff' } = {}) {
+async function openUser(uid) {
   const page = await newPage(context);
   page.posts = [];
   page.on('request', (r) => { if (r.method() === 'POST') page.posts.push(r.postData()); });
-  await page.goto(`${server.url}/cgi-bin/LXRAdmin?USERDIR=${dir}&USER=${encodeURIComponent(uid)}`);
+  await page.goto(`${helpdesk.url}/cgi-bin/LXRAdmin?USERDIR=staff&USER=${encodeURIComponent(uid)}`);
   await page.waitForSelector('form[name="DisplayForm"]');
   return page;
 }
@@ -159,60 +150,25 @@ describe('selection page', () => {
 });
 
 describe('display page', () => {
+  // The page's bytes are the golden pages' matter; here the pictures they
+  // name load from where the server serves them.
   test('disabled reasons and status pictures', async () => {
-    const cases = [
-      // user, reasons shown, [picture name, file] pairs
-      ['rupert', 'Disabled forever, Failure count 7 reached the maximum of 5, Suspended by security',
-        [['kvlxrDisableUntil_IMAGE', 'Disabled.gif'], ['kvlxrFailureCount_IMAGE', 'Redisable.gif'],
-          [`GROUP-${SUSPENDED}_IMAGE`, 'Disabled.gif']]],
-      ['carol', 'Disabled until 2026-07-01 00:00 UTC', [['kvlxrDisableUntil_IMAGE', 'Disabled.gif']]],
-      ['dave', null, [['kvlxrDisableUntil_IMAGE', 'Blank.gif']]],
-      ['erin', 'Disabled after 2026-05-01 00:00 UTC', [['kvlxrDisableAfter_IMAGE', 'Disabled.gif']]],
-      ['frank', null, [['kvlxrDisableAfter_IMAGE', 'Blank.gif']]],
-      ['grace', 'Did not log in by 2026-05-15 00:00 UTC', [['kvlxrMustLoginBy_IMAGE', 'Disabled.gif']]],
-      ['niaj', 'Suspended by security', [[`GROUP-${SUSPENDED}_IMAGE`, 'Disabled.gif']]],
-      ['alice', null, [['kvlxrDisableUntil_IMAGE', 'Blank.gif'], [`GROUP-${SUSPENDED}_IMAGE`, 'Blank.gif']]],
-    ];
-    for (const [uid, reasons, pictures] of cases) {
-      const page = await openUser(uid);
-      const shown = await page.$$eval('span.DISABLEDISPLAY', (s) => s.map((e) => e.textContent));
-      if (reasons === null) {
-        assert.deepEqual(shown, [], uid);
-      } else {
-        assert.equal(shown.length, 1, uid);
-        assert.equal(shown[0].replace(/\u00a0/g, ' '), reasons, uid);
-        const icon = await page.$eval('span.DISABLEDISPLAY', (s) =>
-          s.closest('tr').querySelector('img').src.split('/').pop());
-        assert.equal(icon, 'Disabled.gif', uid);
-      }
-      for (const [name, file] of pictures) {
-        const p = await picture(page, name);
-        assert.equal(p.file, file, `${uid} ${name}`);
-        assert.equal(p.width, 20, `${uid} ${name} loaded`);
-        assert.equal(p.title, TITLES[file], `${uid} ${name}`);
-      }
-      if (uid === 'rupert') await screenshot(page, 'display-rupert');
-      await page.close();
+    const page = await openUser('rupert');
+    const shown = await page.$$eval('span.DISABLEDISPLAY', (s) => s.map((e) => e.textContent.replace(/\u00a0/g, ' ')));
+    assert.deepEqual(shown, ['Disabled forever, Failure count 7 reached the maximum of 5, Suspended by security']);
+    for (const [name, file] of [['kvlxrDisableUntil_IMAGE', 'Disabled.gif'], ['kvlxrDisableAfter_IMAGE', 'Blank.gif'],
+      ['kvlxrFailureCount_IMAGE', 'Redisable.gif'], [`GROUP-${SUSPENDED}_IMAGE`, 'Disabled.gif']]) {
+      assert.deepEqual(await picture(page, name), { file, width: 20, title: TITLES[file] }, name);
     }
-  });
-
-  test('reset a failure count to now', async () => {
-    const page = await openUser('judy');
-    const [reset] = await page.$$eval('input[name="kvlxrFailureCount"]', (rs) => rs.map((r) => r.value).slice(1));
-    assert.equal(reset, '0 20260601120000Z');
-    await page.check('input[name="kvlxrFailureCount"] >> nth=1');
-    const posted = await submitAndCheck(page, {
-      [dnOf('judy')]: { kvlxrFailureCount: ['0 20260601120000Z'] },
-    });
-    assert.equal(posted.get('kvlxrFailureCount'), '0 20260601120000Z');
+    await screenshot(page, 'display-rupert');
+    await page.close();
   });
 
   // The date handlers' scripts reach the row's picture as
   // document.DisplayForm.elements['NAME_IMAGE']; the script library's
   // DateEntry names the picture there, so the picture must follow each choice
   // without a script error.
-  test('the date pictures follow the choice before submitting', {
-  }, async () => {
+  test('the date pictures follow the choice before submitting', async () => {
     const page = await openUser('alice');
     const errors = [];
     page.on('pageerror', (e) => errors.push(e.message));
@@ -250,61 +206,6 @@ describe('display page', () => {
     await again.close();
   });
 
-  test('set disable-until to forever', async () => {
-    const page = await openUser('dave');
-    await page.check('input[name="kvlxrDisableUntil"] >> nth=1');
-    await page.fill('input[name="kvlxrDisableUntil_COMMENT"]', 'left');
-    const posted = await submitAndCheck(page, {
-      [dnOf('dave')]: { kvlxrDisableUntil: ['FOREVER left'] },
-    });
-    assert.equal(posted.get('kvlxrDisableUntil'), 'FOREVER left');
-  });
-
-  test('set a days override with a comment', async () => {
-    const page = await openUser('alice');
-    await page.selectOption('select[name="kvlxrExpirePasswordDays_DAYS"]', '14');
-    assert.equal(await page.$eval('select[name="kvlxrExpirePasswordDays_DAYS"]',
-      (s) => s.selectedOptions[0].textContent.trim()), '2 Weeks');
-    await page.fill('input[name="kvlxrExpirePasswordDays_COMMENT"]', 'test');
-    const posted = await submitAndCheck(page, {
-      [dnOf('alice')]: { kvlxrExpirePasswordDays: ['14 test'] },
-    });
-    assert.equal(posted.get('kvlxrExpirePasswordDays'), '14 test');
-  });
-
-  test('clear a login history', async () => {
-    const page = await openUser('alice');
-    await page.check('input[name="kvlxrLoginHistory"]');
-    const posted = await submitAndCheck(page, { [dnOf('alice')]: { kvlxrLoginHistory: [] } });
-    assert.equal(posted.get('kvlxrLoginHistory'), '1');
-    assert.equal(posted.get('kvfpsLog'), '0');
-  });
-
-  // The post carries one field per redirect, all of the same name; the
-  // server keeps the last of same-named fields, so only the last entry's box
-  // reaches the directory.
-  test('remove one generational redirect and keep the others', async () => {
-    const page = await openUser('sybil');
-    const before = demo.entry(dnOf('sybil')).kvlxrGenerationalRedirects;
-    assert.equal(before.length, 3);
-    await page.check('input[name="kvlxrGenerationalRedirects"] >> nth=2');
-    const posted = await submitAndCheck(page, {
-      [dnOf('sybil')]: { kvlxrGenerationalRedirects: [before[0], before[1]] },
-    });
-    assert.deepEqual(posted.getAll('kvlxrGenerationalRedirects'), [before[0], before[1], 'LEGACY=0']);
-  });
-
-  test('remove a redirect that is not the last one', {
-    todo: 'only the last of several same-named posted fields reaches the update document',
-  }, async () => {
-    const page = await openUser('sybil');
-    const before = demo.entry(dnOf('sybil')).kvlxrGenerationalRedirects;
-    await page.check('input[name="kvlxrGenerationalRedirects"] >> nth=1');
-    await submitAndCheck(page, {
-      [dnOf('sybil')]: { kvlxrGenerationalRedirects: [before[0], before[2]] },
-    });
-  });
-
   test('add and remove a group, the picture following the box', async () => {
     const page = await openUser('alice');
     const image = `GROUP-${SUSPENDED}_IMAGE`;
@@ -323,52 +224,17 @@ describe('display page', () => {
     assert.equal(posted.get(`GROUP-${VPN}`), '0');
   });
 
-  test('reset a password: a mismatch is refused, a match is written', async () => {
+  // What a password reset writes is the round trip's matter; here the
+  // page's own check of the confirmation.
+  test('a password reset with a mismatched confirmation is refused', async () => {
     const page = await openUser('alice');
     await page.fill('input[name="userPassword"]', 'Fresh-pass9');
     await page.fill('input[name="userPassword_CONFIRM"]', 'Fresh-pass8');
     assert.equal(await submitRefused(page), '[KV-LXR-15010] New and Confirm passwords do not match!');
     assert.equal(await page.evaluate(() => document.activeElement.name), 'userPassword_CONFIRM');
-    await page.fill('input[name="userPassword_CONFIRM"]', 'Fresh-pass9');
-    const old = demo.entry(dnOf('alice')).userPassword;
-    const before = demo.entries();
-    const posted = await submitAndCheckPassword(page, before);
-    assert.equal(posted.get('userPassword'), 'Fresh-pass9');
-    const now = demo.entry(dnOf('alice')).userPassword;
-    assert.equal(now.length, 1);
-    assert.notDeepEqual(now, old);
-    assert.ok(!now[0].includes('Fresh-pass9'), 'the password is stored hashed');
-  });
-
-  test('the auditor sees the values but no Submit button', async () => {
-    const page = await openUser('rupert', { server: auditor });
-    assert.equal(await page.$('input[type="SUBMIT"]'), null);
-    assert.equal(await page.$('form[name="PostForm"]'), null);
-    assert.equal(await page.$$eval('form[name="DisplayForm"] input[type="RADIO"], ' +
-      'form[name="DisplayForm"] input[type="CHECKBOX"], form[name="DisplayForm"] select', (e) => e.length), 0);
-    assert.ok(await page.$('input[type="BUTTON"][value="Cancel"]'));
-    assert.match(await page.textContent('form[name="DisplayForm"]'), /security-hold/);
-    await screenshot(page, 'display-rupert-auditor');
     await page.close();
   });
 });
-
-// The password change also stamps the date of the change; everything else
-// stays as it was.
-async function submitAndCheckPassword(page, before) {
-  const { message, fields } = await submitPosted(page);
-  assert.equal(message, SUCCESS);
-  const got = changes(before, demo.entries());
-  assert.deepEqual(Object.keys(got), [dnOf('alice')]);
-  const changed = Object.keys(got[dnOf('alice')]).sort();
-  assert.ok(changed.includes('userPassword'), 'the password changed');
-  for (const attr of changed) {
-    assert.ok(['userPassword', 'kvlxrLastPasswordChange', 'kvlxrHistory'].includes(attr),
-      `unexpected change of ${attr}`);
-  }
-  await page.close();
-  return fields;
-}
 
 describe('the submit script refuses bad input', () => {
   const cases = [
@@ -380,8 +246,6 @@ describe('the submit script refuses bad input', () => {
       chooseDate(page, 'kvlxrMustLoginBy', { day: '31', month: '5', year: '2030' }), 'kvlxrMustLoginBy_DAY'],
     ['a comment without days', MUST_BE_BLANK, async (page) =>
       page.fill('input[name="kvlxrExpirePasswordDays_COMMENT"]', 'why'), 'kvlxrExpirePasswordDays_COMMENT'],
-    ['an inactivity comment without days', MUST_BE_BLANK, async (page) =>
-      page.fill('input[name="kvlxrAccountInactivityDays_COMMENT"]', 'why'), 'kvlxrAccountInactivityDays_COMMENT'],
     ['a comment without the flag', MUST_BE_BLANK, async (page) =>
       page.fill('input[name="kvlxrImmediateChange_COMMENT"]', 'why'), 'kvlxrImmediateChange_COMMENT'],
     ['a password without confirmation',

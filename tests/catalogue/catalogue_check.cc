@@ -232,7 +232,6 @@ TEST(Catalogue, ProblemsFound) {
         {"LXRAdmin", "KV-LXR-12024", "Nicht&nbspgesetzt"},
         {"LXRAdmin", "KV-LXR-12024", "A & B"},
         {"LXRAdmin", "KV-LXR-12041", "line\nbreak"},
-        {"LXRAdmin", "KV-LXR-12041", "tab\there"},
         {"LXRAdmin", "KV-LXR-12041", "c1 \xC2\x85 next line"},
         {"LXRAdmin", "KV-LXR-12002", ""},
         {"LXRAdmin", "KV-LXR-12002", "Benutzer {0}"},

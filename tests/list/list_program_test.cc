@@ -171,14 +171,11 @@ TEST_F(ListProgram, EachListAndTheSearchForTwoRoles) {
          {"bob", "carol", "rupert"},
          {"alice", "dave"},
          false},
-        {&kLead, "DIR=staff&LIST=expired", {"mallory"}, {"alice", "uma"}, true},
         {&kLead, "DIR=partners&LIST=expired", {"yara"}, {"walter"}, true},
         {&kLead, "DIR=staff&LIST=idle&DAYS=60", {"olivia"}, {"alice"}, true},
-        {&kAuditor, "DIR=staff&LIST=idle&DAYS=60", {"olivia"}, {"alice"}, false},
         {&kLead, "DIR=staff&LIST=mustchange", {"heidi"}, {"alice", "bob"}, true},
         {&kLead, "DIR=staff&LIST=expiring&DAYS=365", {}, {"mallory"}, true},
         {&kLead, "DIR=staff&LIST=search&START=sam", {"sam.smith1", "sam.smith2"}, {"alice"}, true},
-        {&kAuditor, "DIR=staff&LIST=search&START=A", {"alice"}, {"bob"}, false},
     };
     for (const Case& c : cases) {
         Response r = Request(*c.admin, "GET", c.query);
@@ -204,10 +201,7 @@ TEST_F(ListProgram, RefusalsAndSecurityHeaders) {
         const char* status;
     } cases[] = {
         {&kAuditor, "DIR=partners&LIST=locked", "503 Service Unavailable"},  // not the role's
-        {&kLead, "DIR=staff&LIST=everyone", "400 Bad Request"},
-        {&kLead, "DIR=staff&LIST=idle&DAYS=-1", "400 Bad Request"},
         {&kLead, "DIR=staff&LIST=search&START=%3Cscript%3E", "400 Bad Request"},
-        {&kLead, "DIR=staff&LIST=locked&SIZE=0", "400 Bad Request"},
     };
     for (const Case& c : cases) {
         Response r = Request(*c.admin, "GET", c.query);

@@ -17,6 +17,7 @@ import fs from 'node:fs';
 import os from 'node:os';
 import path from 'node:path';
 import { after, before, test } from 'node:test';
+import { changes as beforeAndAfter, parseLdif } from '../browser/lib/directory.mjs';
 import { Page } from './page_form.mjs';
 
 const EXE = process.env.LXR_EXE;
@@ -47,36 +48,14 @@ before(() => {
 
 after(() => fs.rmSync(work, { recursive: true, force: true }));
 
-// Parses LDIF (folded lines, base64 values) into Map dn -> { attr: [values] }.
-function parseLdif(text) {
-  const entries = new Map();
-  let current = null;
-  for (const line of text.replace(/\n /g, '').split('\n')) {
-    if (line === '') { current = null; continue; }
-    if (line.startsWith('#') || line.startsWith('version:')) continue;
-    const m = /^([^:]+)(::?) ?(.*)$/.exec(line);
-    assert.ok(m, `not LDIF: ${line}`);
-    const value = m[2] === '::' ? Buffer.from(m[3], 'base64').toString('utf8') : m[3];
-    if (m[1].toLowerCase() === 'dn') entries.set(value, (current = {}));
-    else (current[m[1]] ??= []).push(value);
-  }
-  return entries;
-}
-
 const directory = () => parseLdif(execFileSync(LXRDIR, ['export', store], { encoding: 'utf8' }));
 const audit = (dn) => execFileSync(LXRDIR, ['audit', store, dn], { encoding: 'utf8' });
 
 // What differs between two directory snapshots: { dn: { attr: values after } }.
 function changes(before, after) {
   const out = {};
-  for (const dn of new Set([...before.keys(), ...after.keys()])) {
-    const a = before.get(dn) ?? {};
-    const b = after.get(dn) ?? {};
-    for (const attr of new Set([...Object.keys(a), ...Object.keys(b)])) {
-      if (JSON.stringify(a[attr] ?? []) !== JSON.stringify(b[attr] ?? [])) {
-        (out[dn] ??= {})[attr] = b[attr] ?? [];
-      }
-    }
+  for (const [dn, attrs] of Object.entries(beforeAndAfter(before, after))) {
+    for (const [attr, values] of Object.entries(attrs)) (out[dn] ??= {})[attr] = values.after;
   }
   return out;
 }
