@@ -229,33 +229,41 @@ std::shared_ptr<const Bundle> OpenBundle(const std::string& directory, const std
 
 }  // namespace
 
-Translator::Translator(const char* language, const char* country, const std::string& directory) {
-    std::string wanted = Requested(language, country);
-    if (wanted.empty()) return;
-    std::string where = directory.empty() ? ApiCatalogueDirectory() : directory;
-    if (!where.empty()) bundle_ = OpenBundle(where, wanted);
+Translator::Translator(const char* language, const char* country, const std::string& directory)
+    : wanted_(Requested(language, country)), directory_(directory) {}
+
+const Bundle* Translator::Found() const {
+    if (!looked_) {
+        looked_ = true;
+        if (wanted_.empty()) return nullptr;
+        std::string where = directory_.empty() ? ApiCatalogueDirectory() : directory_;
+        if (!where.empty()) bundle_ = OpenBundle(where, wanted_);
+    }
+    return bundle_.get();
 }
 
 std::string Translator::operator()(const Text& text) const {
     const TextEntry& entry = TextTable()[static_cast<size_t>(text.say)];
     std::u16string pattern;
     std::string out;
-    if (!bundle_) return InEnglish(text);
+    const Bundle* bundle = Found();
+    if (!bundle) return InEnglish(text);
     if (text.say == Say::AsConfigured) {
         // A reason from the configuration may be translated under "#" and
         // its text, as the program's catalogue translates configured prompts.
         std::string key = CatalogueKey(("#" + text.args.at(0)).c_str());
-        if (bundle_->Pattern(key.c_str(), &pattern) &&
-            bundle_->ToUtf8(pattern.data(), static_cast<int32_t>(pattern.size()), &out))
+        if (bundle->Pattern(key.c_str(), &pattern) &&
+            bundle->ToUtf8(pattern.data(), static_cast<int32_t>(pattern.size()), &out))
             return out;
-    } else if (bundle_->Pattern(entry.key, &pattern) && bundle_->Format(pattern, text.args, &out)) {
+    } else if (bundle->Pattern(entry.key, &pattern) && bundle->Format(pattern, text.args, &out)) {
         return out;
     }
     return InEnglish(text);
 }
 
 std::string Translator::locale() const {
-    return bundle_ ? bundle_->locale() : std::string();
+    const Bundle* bundle = Found();
+    return bundle ? bundle->locale() : std::string();
 }
 
 }  // namespace lxrapi

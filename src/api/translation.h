@@ -60,7 +60,9 @@ class Translator {
     // accept-list ("de", "fr-CA", "fr,de;q=0.8"); `country` is joined to a
     // bare language ("EN" and "US" give "en-US") and ignored otherwise. No
     // bundle for any of them means English; a null or empty directory means
-    // ApiCatalogueDirectory().
+    // ApiCatalogueDirectory(). The bundle is looked for at the first text
+    // asked for: most requests translate none, and finding a bundle loads
+    // ICU and its data.
     Translator(const char* language, const char* country, const std::string& directory = "");
 
     // The text with its arguments in place. An argument is never formatted
@@ -71,7 +73,12 @@ class Translator {
     std::string locale() const;
 
   private:
-    std::shared_ptr<const Bundle> bundle_;
+    const Bundle* Found() const;
+
+    std::string wanted_;     // the caller's locale text; empty: English
+    std::string directory_;  // where to look; empty: ApiCatalogueDirectory()
+    mutable bool looked_ = false;
+    mutable std::shared_ptr<const Bundle> bundle_;
 };
 
 // `pattern` with each "{n}" replaced by args[n]; the English defaults need no
