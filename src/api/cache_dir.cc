@@ -11,10 +11,16 @@
 namespace lxrapi {
 namespace {
 
+// Asked once: the program never changes its user.
+uid_t EffectiveUser() {
+    static const uid_t user = ::geteuid();
+    return user;
+}
+
 // Ours alone: of the expected type, owned by the effective user, and not
 // writable by group or others.
 bool Private(const struct stat& st, mode_t type) {
-    return (st.st_mode & S_IFMT) == type && st.st_uid == ::geteuid() &&
+    return (st.st_mode & S_IFMT) == type && st.st_uid == EffectiveUser() &&
            (st.st_mode & (S_IWGRP | S_IWOTH)) == 0;
 }
 
@@ -34,7 +40,7 @@ int OpenPrivateDir(const std::string& path) {
 std::string TempCacheDir() {
     const char* tmp = std::getenv("TMPDIR");
     std::string base = tmp && tmp[0] == '/' ? tmp : "/tmp";
-    return base + "/lxrapi-" + std::to_string(::geteuid());
+    return base + "/lxrapi-" + std::to_string(EffectiveUser());
 }
 
 }  // namespace
