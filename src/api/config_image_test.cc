@@ -50,29 +50,11 @@ auto Fields(const Config& s) {
     return std::tie(a, b, c, d, e, f, g, h);
 }
 }  // namespace
-// Found by argument-dependent lookup from the comparisons of the tuples and vectors.
-static bool operator==(const NameSet& a, const NameSet& b) {
-    return Fields(a) == Fields(b);
-}
-static bool operator==(const GroupConfig& a, const GroupConfig& b) {
-    return Fields(a) == Fields(b);
-}
-static bool operator==(const DirectoryConfig& a, const DirectoryConfig& b) {
-    return Fields(a) == Fields(b);
-}
-static bool operator==(const LdapConfig& a, const LdapConfig& b) {
-    return Fields(a) == Fields(b);
-}
-static bool operator==(const PasswordRules& a, const PasswordRules& b) {
-    return Fields(a) == Fields(b);
-}
-static bool operator==(const Policy& a, const Policy& b) {
-    return Fields(a) == Fields(b);
-}
-static bool operator==(const Role& a, const Role& b) {
-    return Fields(a) == Fields(b);
-}
-static bool operator==(const Config& a, const Config& b) {
+
+// Found by argument-dependent lookup from the comparisons of the tuples and
+// vectors, for the structs that have their Fields.
+template <typename T, typename = decltype(Fields(std::declval<const T&>()))>
+bool operator==(const T& a, const T& b) {
     return Fields(a) == Fields(b);
 }
 
