@@ -156,15 +156,13 @@ class ImageReader {
     bool ok_ = true;
 };
 
-// The GNU build identity of the object this code is linked into (the shared
-// library, or a program that links the library statically): a new build of
-// the library never takes an older build's image. Empty when the object
-// carries none, and then no image is read or written.
 struct BuildIdSearch {
     uintptr_t address;
     std::string id;
 };
 
+// Called by dl_iterate_phdr for each loaded object: in the one whose
+// segments hold `address`, finds the NT_GNU_BUILD_ID note and stops.
 int FindBuildId(dl_phdr_info* info, size_t, void* data) {
     auto* search = static_cast<BuildIdSearch*>(data);
     bool here = false;
@@ -198,6 +196,10 @@ int FindBuildId(dl_phdr_info* info, size_t, void* data) {
     return 1;
 }
 
+// The GNU build identity of the object this code is linked into (the shared
+// library, or a program that links the library statically): a new build of
+// the library never takes an older build's image. Empty when the object
+// carries none, and then no image is read or written.
 const std::string& BuildId() {
     static const std::string id = [] {
         BuildIdSearch search{reinterpret_cast<uintptr_t>(&FindBuildId), {}};
