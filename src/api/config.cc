@@ -1,7 +1,6 @@
 #include "config.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <toml++/toml.h>
 #include <unistd.h>
 
@@ -10,6 +9,7 @@
 #include <cstring>
 #include <mutex>
 
+#include "config_image.h"
 #include "message.h"
 #include "text.h"
 
@@ -543,19 +543,25 @@ Status ParseConfig(std::string_view text, const std::string& path, Config* confi
 
 // Read with plain POSIX calls: a file stream would set up the C++ locale
 // machinery, which costs a CGI process more than reading the file does.
-Status LoadConfig(const std::string& path, Config* config) {
+Status ReadConfigFile(const std::string& path, std::string* text) {
+    text->clear();
     int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (fd < 0) return CannotOpen(path);
-    std::string text;
     char block[8192];
     for (;;) {
         ssize_t n = ::read(fd, block, sizeof block);
         if (n < 0 && errno == EINTR) continue;
         if (n <= 0) break;  // a read error ends the text there, as a stream copy would
-        text.append(block, static_cast<size_t>(n));
+        text->append(block, static_cast<size_t>(n));
     }
     ::close(fd);
-    return ParseConfig(text, path, config);
+    return Status::OK();
+}
+
+Status LoadConfig(const std::string& path, Config* config) {
+    std::string text;
+    Status s = ReadConfigFile(path, &text);
+    return s.ok() ? ParseConfig(text, path, config) : s;
 }
 
 std::string ConfigPath() {
@@ -563,27 +569,28 @@ std::string ConfigPath() {
     return env && *env ? env : "lxrapi.toml";
 }
 
+// The text, not the file's times, decides whether the file changed: reading
+// a few kilobytes costs about what a stat does, and two changes within one
+// tick of the file system's clock cannot be mistaken for none.
 Status CurrentConfig(std::shared_ptr<const Config>* config) {
     static std::mutex mutex;
     static std::shared_ptr<const Config> cached;
-    static std::string cachedPath;
-    static struct stat cachedStat;
+    static std::string cachedPath, cachedText;
     std::lock_guard<std::mutex> lock(mutex);
     std::string path = ConfigPath();
-    struct stat st {};
-    if (::stat(path.c_str(), &st) != 0) return CannotOpen(path);
-    if (cached && cachedPath == path && st.st_ino == cachedStat.st_ino &&
-        st.st_size == cachedStat.st_size && st.st_mtim.tv_sec == cachedStat.st_mtim.tv_sec &&
-        st.st_mtim.tv_nsec == cachedStat.st_mtim.tv_nsec) {
+    std::string text;
+    Status s = ReadConfigFile(path, &text);
+    if (!s.ok()) return s;
+    if (cached && cachedPath == path && cachedText == text) {
         *config = cached;
         return Status::OK();
     }
     auto fresh = std::make_shared<Config>();
-    Status s = LoadConfig(path, fresh.get());
+    s = ParseConfigCached(text, path, fresh.get());
     if (!s.ok()) return s;
     cached = fresh;
     cachedPath = path;
-    cachedStat = st;
+    cachedText = std::move(text);
     *config = cached;
     return Status::OK();
 }

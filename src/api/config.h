@@ -129,15 +129,21 @@ struct Config {
 // file PATH line N: PROBLEM".
 Status ParseConfig(std::string_view text, const std::string& path, Config* config);
 
-// Reads and parses the file at `path`; an unreadable file fails with
+// Reads the file at `path` whole into `text`; an unreadable file fails with
 // "Configuration file PATH cannot be opened: REASON".
+Status ReadConfigFile(const std::string& path, std::string* text);
+
+// Reads and parses the file at `path`; fails as ReadConfigFile and
+// ParseConfig do.
 Status LoadConfig(const std::string& path, Config* config);
 
 // The file to use: LXRAPI_CONFIG, else lxrapi.toml in the working directory.
 std::string ConfigPath();
 
-// The configuration for this process, parsed once and again only when the
-// file changes (its size, time or inode). Fails as LoadConfig does.
+// The configuration for this process. The file is read at every call and
+// parsed only when its text differs from the last call's; a new process
+// takes the parse of an unchanged text from its image (config_image.h).
+// Fails as LoadConfig does.
 Status CurrentConfig(std::shared_ptr<const Config>* config);
 
 }  // namespace lxrapi

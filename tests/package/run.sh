@@ -159,10 +159,13 @@ count() { lxrdir show "$STATE/demo.db" uid=rupert,ou=staff,o=example | sed -n 's
       "$base/cgi-bin/LXRAdmin?USERDIR=staff&USER=rupert")" = 200 ] || fail "post: $(head -c 400 "$RUN/body")"
 [ "$(count | cut -d' ' -f1)" = 0 ] ||
   fail "the post did not reset the count: $(count); page: $(grep -o 'alert([^)]*)' "$RUN/body" | head -1)"
+# The requests kept the parsed configuration in the package's cache folder.
+[ "$(stat -c %U /var/cache/lxradmin/config-* 2>/dev/null | sort -u)" = www-data ] ||
+  fail "no configuration image of www-data in /var/cache/lxradmin"
 kill "$(cat "$RUN/httpd.pid")"; rm -f "$RUN/httpd.pid"
 
 # 5. Remove keeps configuration and store; purge says where the store is,
-# removes the configuration and keeps the store.
+# removes the configuration and the cache folder, and keeps the store.
 dpkg_retry --remove "${PACKAGES[@]}" >"$RUN/remove.log" || fail "dpkg --remove"
 [ ! -e /usr/lib/cgi-bin/lxradmin/LXRAdmin ] || fail "remove left the program"
 [ ! -e /etc/apache2/conf-enabled/lxradmin.conf ] || fail "remove left the Apache configuration enabled"
@@ -170,7 +173,8 @@ dpkg_retry --remove "${PACKAGES[@]}" >"$RUN/remove.log" || fail "dpkg --remove"
 [ -f "$STATE/demo.db" ] || fail "remove took the store"
 dpkg_retry --purge "${PACKAGES[@]}" >"$RUN/purge.log" || fail "dpkg --purge"
 grep -q "$STATE" "$RUN/purge.log" || fail "purge did not say where the store is: $(cat "$RUN/purge.log")"
-for f in /etc/lxradmin /etc/apache2/conf-available/lxradmin.conf /etc/lighttpd/conf-available/50-lxradmin.conf; do
+for f in /etc/lxradmin /var/cache/lxradmin /etc/apache2/conf-available/lxradmin.conf \
+         /etc/lighttpd/conf-available/50-lxradmin.conf; do
   [ ! -e "$f" ] || fail "purge left $f"
 done
 [ -s "$STATE/demo.db" ] || fail "purge took the store"
