@@ -7,7 +7,7 @@
 #
 #   bench/web/run.sh [BUILD_DIR] [SECONDS]     (defaults: build, 10)
 #
-# Build first: ninja -C BUILD_DIR LXRAdmin lxrdir web_trivial_cgi
+# Build first: ninja -C BUILD_DIR LXRAdmin lxrdir web_trivial_cgi web_spawn_time
 # Targets: the display page at half the trivial CGI's rate or better; peak
 # resident memory of one LXRAdmin process under 8 MB; its CPU time per
 # process at most twice the trivial CGI's.
@@ -17,7 +17,8 @@ build=$(cd "${1:-$root/build}" && pwd)
 seconds=${2:-10}
 exe=$build/src/driver/LXRAdmin
 trivial=$build/bench/web/web_trivial_cgi
-for f in "$exe" "$trivial"; do
+spawn=$build/bench/web/web_spawn_time
+for f in "$exe" "$trivial" "$spawn"; do
   [ -x "$f" ] || { echo "missing $f; build it first" >&2; exit 2; }
 done
 command -v wrk >/dev/null || { echo "wrk is not installed (bash scripts/deps.sh)" >&2; exit 2; }
@@ -93,6 +94,22 @@ if command -v perf >/dev/null 2>&1; then
     cpu_trivial="$cpu_trivial $t" cpu_display="$cpu_display $d"
   done
 fi
+# Wall time per process, fork to wait, the trivial CGI, the identity-failure
+# page (no API call) and the display page in turns (LXR_BENCH_SPAWNS of each,
+# default 500): the median of many single runs moves far less with other
+# load than any mean.
+cgi_env() {  # the display page's environment, one NAME=VALUE a line
+  printf '%s\n' REQUEST_METHOD=GET "QUERY_STRING=USERDIR=$DEMO_USERDIR&USER=$DEMO_USER" \
+    SCRIPT_NAME=/cgi-bin/LXRAdmin "HTTP_KV_USERDN=$AGENT_USERDN" "HTTP_USERPATH=$AGENT_USERPATH" \
+    "HTTP_KV_AUTHDIRNAMESPACE=$AGENT_NAMESPACE" "HTTP_KV_AUTHDIRSERVER=$AGENT_SERVER" \
+    "HTTP_LXRADMIN=$AGENT_IDENTITY" "LXRAPI_CONFIG=$LXRAPI_CONFIG" "LXR_NOW=$LXR_NOW"
+}
+: >"$work/env-trivial"
+cgi_env >"$work/env-display"
+grep -v '^HTTP_LXRADMIN=' "$work/env-display" >"$work/env-identity"
+spawn_table=$("$spawn" "${LXR_BENCH_SPAWNS:-500}" "$work/env-trivial" "$trivial" \
+  "$work/env-identity" "$exe" "$work/env-display" "$exe")
+
 min_median() {  # numbers -> "min median" (an even count: the middle two's mean)
   tr ' ' '\n' <<<"$1" | awk 'NF' | sort -n | awk '{ v[NR] = $1 } END {
     if (NR == 0) { print 0, 0; exit }
@@ -114,3 +131,5 @@ awk -v t="$trivial_rate" -v d="$display_rate" -v tb="$trivial_bad" -v db="$displ
   if (ct > 0)
     printf "CPU per process (%d rounds of %d, min / median): display %.2f / %.2f ms, trivial %.2f / %.2f ms, ratio of medians %.2f (target: at most 2.0)\n", rounds, runs, cdm, cd, ctm, ct, cd / ct
 }'
+echo "wall time per process, fork to wait (trivial CGI, identity-failure page, display page):"
+echo "$spawn_table"
