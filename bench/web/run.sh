@@ -7,7 +7,8 @@
 #
 #   bench/web/run.sh [BUILD_DIR] [SECONDS]     (defaults: build, 10)
 #
-# Build first: ninja -C BUILD_DIR LXRAdmin lxrdir web_trivial_cgi web_spawn_time
+# Build first: ninja -C BUILD_DIR LXRAdmin lxrdir web_trivial_cgi web_spawn_time \
+#   web_floor_cxx web_floor_icu web_floor_store web_floor_api
 # Targets: the display page at half the trivial CGI's rate or better; peak
 # resident memory of one LXRAdmin process under 8 MB; its CPU time per
 # process at most twice the trivial CGI's.
@@ -18,7 +19,8 @@ seconds=${2:-10}
 exe=$build/src/driver/LXRAdmin
 trivial=$build/bench/web/web_trivial_cgi
 spawn=$build/bench/web/web_spawn_time
-for f in "$exe" "$trivial" "$spawn"; do
+floors=(web_floor_cxx web_floor_icu web_floor_store web_floor_api)
+for f in "$exe" "$trivial" "$spawn" "${floors[@]/#/$build/bench/web/}"; do
   [ -x "$f" ] || { echo "missing $f; build it first" >&2; exit 2; }
 done
 command -v wrk >/dev/null || { echo "wrk is not installed (bash scripts/deps.sh)" >&2; exit 2; }
@@ -84,14 +86,38 @@ peak_kb=$(as_cgi /usr/bin/time -f '%M' "$exe" 2>&1 >/dev/null | tail -1)
 # LXR_BENCH_ROUNDS rounds (default 2) of LXR_BENCH_RUNS processes each
 # (default 300); the minimum and median of the round means are reported.
 rounds=${LXR_BENCH_ROUNDS:-2} runs=${LXR_BENCH_RUNS:-300}
-cpu_display="" cpu_trivial=""
+cpu_display="" cpu_trivial="" cpu_store="" cpu_api=""
+# The floors' environments (floor_store.c, floor_api.c): the demo user's
+# entry key, the administrator's path as LXRAdmin builds it from the agent's
+# headers, and the display page's size.
+page_bytes=$(as_cgi "$exe" | wc -c)
+user_key=$(sqlite3 "$DEMO_STORE" "SELECT dn_key FROM entry WHERE dn_key LIKE 'uid=' || lower('$DEMO_USER') || ',%' LIMIT 1")
+admin_path=${AGENT_USERPATH:-$AGENT_NAMESPACE//$AGENT_SERVER/$AGENT_USERDN}
+printf '%s\n' "LXR_FLOOR_STORE=$DEMO_STORE" "LXR_FLOOR_KEY=$user_key" \
+  "LXR_FLOOR_BYTES=$page_bytes" >"$work/env-floor-store"
+printf '%s\n' "LXR_FLOOR_LIBRARY=$build/src/api/libLXRAPI.so.0" "LXR_FLOOR_ADMIN=$admin_path" \
+  "LXR_FLOOR_USER=$DEMO_USERDIR/$DEMO_USER" "HTTP_LXRADMIN=$AGENT_IDENTITY" \
+  "LXRAPI_CONFIG=$LXRAPI_CONFIG" "LXR_NOW=$LXR_NOW" "LXR_FLOOR_BYTES=$page_bytes" >"$work/env-floor-api"
+with_env() {  # ENVFILE COMMAND... -> COMMAND with that environment alone
+  local vars
+  mapfile -t vars <"$1"
+  shift
+  env -i "${vars[@]}" "$@"
+}
+for floor in store api; do
+  with_env "$work/env-floor-$floor" "$build/bench/web/web_floor_$floor" >/dev/null ||
+    { echo "web_floor_$floor failed" >&2; exit 1; }
+done
 if command -v perf >/dev/null 2>&1; then
   task_clock() { "$@" 2>&1 >/dev/null | awk -F, '/task-clock/ {print $1}'; }
   for _ in $(seq "$rounds"); do
     t=$(task_clock env -i perf stat -r "$runs" -x, -e task-clock "$trivial")
     d=$(task_clock as_cgi perf stat -r "$runs" -x, -e task-clock "$exe")
-    echo "task-clock ms: trivial $t, display $d" >&2
+    fs=$(task_clock with_env "$work/env-floor-store" perf stat -r "$runs" -x, -e task-clock "$build/bench/web/web_floor_store")
+    fa=$(task_clock with_env "$work/env-floor-api" perf stat -r "$runs" -x, -e task-clock "$build/bench/web/web_floor_api")
+    echo "task-clock ms: trivial $t, display $d, store floor $fs, API floor $fa" >&2
     cpu_trivial="$cpu_trivial $t" cpu_display="$cpu_display $d"
+    cpu_store="$cpu_store $fs" cpu_api="$cpu_api $fa"
   done
 fi
 # Wall time per process, fork to wait, the trivial CGI, the identity-failure
@@ -108,6 +134,9 @@ cgi_env() {  # the display page's environment, one NAME=VALUE a line
 cgi_env >"$work/env-display"
 grep -v '^HTTP_LXRADMIN=' "$work/env-display" >"$work/env-identity"
 spawn_table=$("$spawn" "${LXR_BENCH_SPAWNS:-500}" "$work/env-trivial" "$trivial" \
+  "$work/env-trivial" "$build/bench/web/web_floor_cxx" "$work/env-trivial" "$build/bench/web/web_floor_icu" \
+  "$work/env-floor-store" "$build/bench/web/web_floor_store" \
+  "$work/env-floor-api" "$build/bench/web/web_floor_api" \
   "$work/env-identity" "$exe" "$work/env-display" "$exe")
 
 min_median() {  # numbers -> "min median" (an even count: the middle two's mean)
@@ -118,10 +147,12 @@ min_median() {  # numbers -> "min median" (an even count: the middle two's mean)
 }
 read -r ct_min ct <<<"$(min_median "$cpu_trivial")"
 read -r cd_min cd <<<"$(min_median "$cpu_display")"
+read -r _ cs <<<"$(min_median "$cpu_store")"
+read -r _ ca <<<"$(min_median "$cpu_api")"
 
 awk -v t="$trivial_rate" -v d="$display_rate" -v tb="$trivial_bad" -v db="$display_bad" \
     -v kb="$peak_kb" -v secs="$seconds" -v ct="$ct" -v cd="$cd" -v ctm="$ct_min" -v cdm="$cd_min" \
-    -v rounds="$rounds" -v runs="$runs" 'BEGIN {
+    -v rounds="$rounds" -v runs="$runs" -v cs="$cs" -v ca="$ca" 'BEGIN {
   printf "wrk -t2 -c8 -d%ss on 127.0.0.1, same lighttpd\n", secs
   printf "%-28s %12s %10s\n", "page", "requests/s", "non-2xx"
   printf "%-28s %12.1f %10d\n", "trivial CGI (fixed page)", t, tb
@@ -130,6 +161,8 @@ awk -v t="$trivial_rate" -v d="$display_rate" -v tb="$trivial_bad" -v db="$displ
   printf "peak RSS of one LXRAdmin process: %.1f MB (target: under 8 MB)\n", kb / 1024
   if (ct > 0)
     printf "CPU per process (%d rounds of %d, min / median): display %.2f / %.2f ms, trivial %.2f / %.2f ms, ratio of medians %.2f (target: at most 2.0)\n", rounds, runs, cdm, cd, ctm, ct, cd / ct
+  if (ct > 0 && cs > 0)
+    printf "floors, median CPU per process x trivial: store alone %.2f, API alone %.2f\n", cs / ct, ca / ct
 }'
-echo "wall time per process, fork to wait (trivial CGI, identity-failure page, display page):"
+echo "wall time per process, fork to wait (trivial CGI; floors: C++, C++ with static ICU, store alone, API alone; identity-failure page; display page):"
 echo "$spawn_table"
