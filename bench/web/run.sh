@@ -39,37 +39,6 @@ bash "$root/web/make-demo.sh" --build "$build" --dir "$work/demo" >/dev/null
 # shellcheck source=/dev/null
 . "$work/demo/demo.env"
 
-url=$(bash "$root/web/lighttpd.sh" start --run "$run" --cgi "$exe" \
-  --agent "$work/demo/agent.conf" --env "LXRAPI_CONFIG=$LXRAPI_CONFIG" \
-  --alias "/cgi-bin/trivial=$trivial")
-display="$url/cgi-bin/LXRAdmin?USERDIR=$DEMO_USERDIR&USER=$DEMO_USER"
-fixed="$url/cgi-bin/trivial"
-
-# Both answer properly before anything is measured.
-http_get() {  # PATH -> the whole response, over a plain socket
-  local port=${url##*:}
-  exec 3<>"/dev/tcp/127.0.0.1/$port"
-  printf 'GET %s HTTP/1.0\r\nHost: 127.0.0.1\r\n\r\n' "$1" >&3
-  cat <&3
-  exec 3<&-
-}
-page=$(http_get "${display#"$url"}")
-case $page in *'NAME="PostForm"'*) ;; *) echo "display page is not a user page:" >&2; echo "$page" | head -20 >&2; exit 1 ;; esac
-case $(http_get /cgi-bin/trivial) in "HTTP/1.0 200"*) ;; *) echo "trivial CGI failed" >&2; exit 1 ;; esac
-
-measure() {  # name url -> "name rate non2xx"
-  local out rate bad
-  out=$(wrk -t2 -c8 -d"${seconds}s" --latency "$2")
-  echo "$out" >"$work/wrk-$1.txt"
-  rate=$(awk '/^Requests\/sec:/ {print $2}' <<<"$out")
-  bad=$(awk '/Non-2xx or 3xx responses:/ {print $5}' <<<"$out")
-  echo "$1 $rate ${bad:-0}"
-}
-measure trivial "$fixed" >"$work/trivial.txt"
-measure display "$display" >"$work/display.txt"
-read -r _ trivial_rate trivial_bad <"$work/trivial.txt"
-read -r _ display_rate display_bad <"$work/display.txt"
-
 # One process serving the same page, with the CGI environment the server
 # gives it (the agent's headers included) and nothing in between.
 as_cgi() {
@@ -79,14 +48,6 @@ as_cgi() {
     HTTP_KV_AUTHDIRNAMESPACE="$AGENT_NAMESPACE" HTTP_KV_AUTHDIRSERVER="$AGENT_SERVER" \
     HTTP_LXRADMIN="$AGENT_IDENTITY" LXRAPI_CONFIG="$LXRAPI_CONFIG" LXR_NOW="$LXR_NOW" "$@")
 }
-peak_kb=$(as_cgi /usr/bin/time -f '%M' "$exe" 2>&1 >/dev/null | tail -1)
-
-# CPU time per process (perf stat task-clock, which other load disturbs far
-# less than throughput): the display page and the trivial CGI, in turns,
-# LXR_BENCH_ROUNDS rounds (default 2) of LXR_BENCH_RUNS processes each
-# (default 300); the minimum and median of the round means are reported.
-rounds=${LXR_BENCH_ROUNDS:-2} runs=${LXR_BENCH_RUNS:-300}
-cpu_display="" cpu_trivial="" cpu_store="" cpu_api=""
 # The floors' environments (floor_store.c, floor_api.c): the demo user's
 # entry key, the administrator's path as LXRAdmin builds it from the agent's
 # headers, and the display page's size.
@@ -108,6 +69,58 @@ for floor in store api; do
   with_env "$work/env-floor-$floor" "$build/bench/web/web_floor_$floor" >/dev/null ||
     { echo "web_floor_$floor failed" >&2; exit 1; }
 done
+url=$(bash "$root/web/lighttpd.sh" start --run "$run" --cgi "$exe" \
+  --agent "$work/demo/agent.conf" --env "LXRAPI_CONFIG=$LXRAPI_CONFIG" \
+  --alias "/cgi-bin/trivial=$trivial" --alias "/cgi-bin/floor_store=$build/bench/web/web_floor_store" \
+  --alias "/cgi-bin/floor_api=$build/bench/web/web_floor_api" \
+  --env "LXR_FLOOR_STORE=$DEMO_STORE" --env "LXR_FLOOR_KEY=$user_key" --env "LXR_FLOOR_BYTES=$page_bytes" \
+  --env "LXR_FLOOR_LIBRARY=$build/src/api/libLXRAPI.so.0" --env "LXR_FLOOR_ADMIN=$admin_path" \
+  --env "LXR_FLOOR_USER=$DEMO_USERDIR/$DEMO_USER")
+display="$url/cgi-bin/LXRAdmin?USERDIR=$DEMO_USERDIR&USER=$DEMO_USER"
+fixed="$url/cgi-bin/trivial"
+store_floor="$url/cgi-bin/floor_store"
+api_floor="$url/cgi-bin/floor_api"
+
+# Each answers properly before anything is measured.
+http_get() {  # PATH -> the whole response, over a plain socket
+  local port=${url##*:}
+  exec 3<>"/dev/tcp/127.0.0.1/$port"
+  printf 'GET %s HTTP/1.0\r\nHost: 127.0.0.1\r\n\r\n' "$1" >&3
+  cat <&3
+  exec 3<&-
+}
+page=$(http_get "${display#"$url"}")
+case $page in *'NAME="PostForm"'*) ;; *) echo "display page is not a user page:" >&2; echo "$page" | head -20 >&2; exit 1 ;; esac
+case $(http_get /cgi-bin/trivial) in "HTTP/1.0 200"*) ;; *) echo "trivial CGI failed" >&2; exit 1 ;; esac
+for floor in floor_store floor_api; do
+  case $(http_get "/cgi-bin/$floor") in "HTTP/1.0 200"*) ;; *) echo "$floor failed" >&2; exit 1 ;; esac
+done
+
+measure() {  # name url -> "name rate non2xx"
+  local out rate bad
+  out=$(wrk -t2 -c8 -d"${seconds}s" --latency "$2")
+  echo "$out" >"$work/wrk-$1.txt"
+  rate=$(awk '/^Requests\/sec:/ {print $2}' <<<"$out")
+  bad=$(awk '/Non-2xx or 3xx responses:/ {print $5}' <<<"$out")
+  echo "$1 $rate ${bad:-0}"
+}
+measure trivial "$fixed" >"$work/trivial.txt"
+measure display "$display" >"$work/display.txt"
+read -r _ trivial_rate trivial_bad <"$work/trivial.txt"
+read -r _ display_rate display_bad <"$work/display.txt"
+measure store "$store_floor" >"$work/store.txt"
+measure api "$api_floor" >"$work/api.txt"
+read -r _ store_rate store_bad <"$work/store.txt"
+read -r _ api_rate api_bad <"$work/api.txt"
+
+peak_kb=$(as_cgi /usr/bin/time -f '%M' "$exe" 2>&1 >/dev/null | tail -1)
+
+# CPU time per process (perf stat task-clock, which other load disturbs far
+# less than throughput): the display page and the trivial CGI, in turns,
+# LXR_BENCH_ROUNDS rounds (default 2) of LXR_BENCH_RUNS processes each
+# (default 300); the minimum and median of the round means are reported.
+rounds=${LXR_BENCH_ROUNDS:-2} runs=${LXR_BENCH_RUNS:-300}
+cpu_display="" cpu_trivial="" cpu_store="" cpu_api=""
 if command -v perf >/dev/null 2>&1; then
   task_clock() { "$@" 2>&1 >/dev/null | awk -F, '/task-clock/ {print $1}'; }
   for _ in $(seq "$rounds"); do
@@ -152,12 +165,14 @@ read -r _ ca <<<"$(min_median "$cpu_api")"
 
 awk -v t="$trivial_rate" -v d="$display_rate" -v tb="$trivial_bad" -v db="$display_bad" \
     -v kb="$peak_kb" -v secs="$seconds" -v ct="$ct" -v cd="$cd" -v ctm="$ct_min" -v cdm="$cd_min" \
-    -v rounds="$rounds" -v runs="$runs" -v cs="$cs" -v ca="$ca" 'BEGIN {
+    -v rounds="$rounds" -v runs="$runs" -v cs="$cs" -v ca="$ca" -v s="$store_rate" -v sb="$store_bad" -v a="$api_rate" -v ab="$api_bad" 'BEGIN {
   printf "wrk -t2 -c8 -d%ss on 127.0.0.1, same lighttpd\n", secs
   printf "%-28s %12s %10s\n", "page", "requests/s", "non-2xx"
   printf "%-28s %12.1f %10d\n", "trivial CGI (fixed page)", t, tb
   printf "%-28s %12.1f %10d\n", "LXRAdmin user display page", d, db
-  printf "display / trivial = %.2f (target: at least 0.50)\n", d / t
+  printf "%-28s %12.1f %10d\n", "floor: store alone", s, sb
+  printf "%-28s %12.1f %10d\n", "floor: API alone", a, ab
+  printf "display / trivial = %.2f (target: at least 0.50); floors / trivial: store %.2f, API %.2f\n", d / t, s / t, a / t
   printf "peak RSS of one LXRAdmin process: %.1f MB (target: under 8 MB)\n", kb / 1024
   if (ct > 0)
     printf "CPU per process (%d rounds of %d, min / median): display %.2f / %.2f ms, trivial %.2f / %.2f ms, ratio of medians %.2f (target: at most 2.0)\n", rounds, runs, cdm, cd, ctm, ct, cd / ct
