@@ -39,14 +39,23 @@ bash "$root/web/make-demo.sh" --build "$build" --dir "$work/demo" >/dev/null
 # shellcheck source=/dev/null
 . "$work/demo/demo.env"
 
+cgi_env() {  # the display page's environment, one NAME=VALUE a line
+  printf '%s\n' REQUEST_METHOD=GET "QUERY_STRING=USERDIR=$DEMO_USERDIR&USER=$DEMO_USER" \
+    SCRIPT_NAME=/cgi-bin/LXRAdmin "HTTP_KV_USERDN=$AGENT_USERDN" "HTTP_USERPATH=$AGENT_USERPATH" \
+    "HTTP_KV_AUTHDIRNAMESPACE=$AGENT_NAMESPACE" "HTTP_KV_AUTHDIRSERVER=$AGENT_SERVER" \
+    "HTTP_LXRADMIN=$AGENT_IDENTITY" "LXRAPI_CONFIG=$LXRAPI_CONFIG" "LXR_NOW=$LXR_NOW"
+}
+cgi_env >"$work/env-display"
+with_env() {  # ENVFILE COMMAND... -> COMMAND with that environment alone
+  local vars
+  mapfile -t vars <"$1"
+  shift
+  env -i "${vars[@]}" "$@"
+}
 # One process serving the same page, with the CGI environment the server
 # gives it (the agent's headers included) and nothing in between.
 as_cgi() {
-  (cd "$(dirname "$exe")" && env -i REQUEST_METHOD=GET \
-    QUERY_STRING="USERDIR=$DEMO_USERDIR&USER=$DEMO_USER" SCRIPT_NAME=/cgi-bin/LXRAdmin \
-    HTTP_KV_USERDN="$AGENT_USERDN" HTTP_USERPATH="$AGENT_USERPATH" \
-    HTTP_KV_AUTHDIRNAMESPACE="$AGENT_NAMESPACE" HTTP_KV_AUTHDIRSERVER="$AGENT_SERVER" \
-    HTTP_LXRADMIN="$AGENT_IDENTITY" LXRAPI_CONFIG="$LXRAPI_CONFIG" LXR_NOW="$LXR_NOW" "$@")
+  (cd "$(dirname "$exe")" && with_env "$work/env-display" "$@")
 }
 # The floors' environments (floor_store.c, floor_api.c): the demo user's
 # entry key, the administrator's path as LXRAdmin builds it from the agent's
@@ -59,12 +68,10 @@ printf '%s\n' "LXR_FLOOR_STORE=$DEMO_STORE" "LXR_FLOOR_KEY=$user_key" \
 printf '%s\n' "LXR_FLOOR_LIBRARY=$build/src/api/libLXRAPI.so.0" "LXR_FLOOR_ADMIN=$admin_path" \
   "LXR_FLOOR_USER=$DEMO_USERDIR/$DEMO_USER" "HTTP_LXRADMIN=$AGENT_IDENTITY" \
   "LXRAPI_CONFIG=$LXRAPI_CONFIG" "LXR_NOW=$LXR_NOW" "LXR_FLOOR_BYTES=$page_bytes" >"$work/env-floor-api"
-with_env() {  # ENVFILE COMMAND... -> COMMAND with that environment alone
-  local vars
-  mapfile -t vars <"$1"
-  shift
-  env -i "${vars[@]}" "$@"
-}
+# The server passes the floors' own variables on to every CGI.
+server_env=()
+while IFS= read -r var; do server_env+=(--env "$var"); done \
+  < <(cat "$work/env-floor-store" "$work/env-floor-api" | grep '^LXR_FLOOR_' | sort -u)
 for floor in store api; do
   with_env "$work/env-floor-$floor" "$build/bench/web/web_floor_$floor" >/dev/null ||
     { echo "web_floor_$floor failed" >&2; exit 1; }
@@ -72,10 +79,7 @@ done
 url=$(bash "$root/web/lighttpd.sh" start --run "$run" --cgi "$exe" \
   --agent "$work/demo/agent.conf" --env "LXRAPI_CONFIG=$LXRAPI_CONFIG" \
   --alias "/cgi-bin/trivial=$trivial" --alias "/cgi-bin/floor_store=$build/bench/web/web_floor_store" \
-  --alias "/cgi-bin/floor_api=$build/bench/web/web_floor_api" \
-  --env "LXR_FLOOR_STORE=$DEMO_STORE" --env "LXR_FLOOR_KEY=$user_key" --env "LXR_FLOOR_BYTES=$page_bytes" \
-  --env "LXR_FLOOR_LIBRARY=$build/src/api/libLXRAPI.so.0" --env "LXR_FLOOR_ADMIN=$admin_path" \
-  --env "LXR_FLOOR_USER=$DEMO_USERDIR/$DEMO_USER")
+  --alias "/cgi-bin/floor_api=$build/bench/web/web_floor_api" "${server_env[@]}")
 display="$url/cgi-bin/LXRAdmin?USERDIR=$DEMO_USERDIR&USER=$DEMO_USER"
 fixed="$url/cgi-bin/trivial"
 store_floor="$url/cgi-bin/floor_store"
@@ -137,14 +141,7 @@ fi
 # page (no API call) and the display page in turns (LXR_BENCH_SPAWNS of each,
 # default 500): the median of many single runs moves far less with other
 # load than any mean.
-cgi_env() {  # the display page's environment, one NAME=VALUE a line
-  printf '%s\n' REQUEST_METHOD=GET "QUERY_STRING=USERDIR=$DEMO_USERDIR&USER=$DEMO_USER" \
-    SCRIPT_NAME=/cgi-bin/LXRAdmin "HTTP_KV_USERDN=$AGENT_USERDN" "HTTP_USERPATH=$AGENT_USERPATH" \
-    "HTTP_KV_AUTHDIRNAMESPACE=$AGENT_NAMESPACE" "HTTP_KV_AUTHDIRSERVER=$AGENT_SERVER" \
-    "HTTP_LXRADMIN=$AGENT_IDENTITY" "LXRAPI_CONFIG=$LXRAPI_CONFIG" "LXR_NOW=$LXR_NOW"
-}
 : >"$work/env-trivial"
-cgi_env >"$work/env-display"
 grep -v '^HTTP_LXRADMIN=' "$work/env-display" >"$work/env-identity"
 spawn_table=$("$spawn" "${LXR_BENCH_SPAWNS:-500}" "$work/env-trivial" "$trivial" \
   "$work/env-trivial" "$build/bench/web/web_floor_cxx" "$work/env-trivial" "$build/bench/web/web_floor_icu" \
